@@ -1,0 +1,10 @@
+// Symbol visibility for the library's public surface.
+//
+// The library is built with hidden visibility by default; only declarations marked KELM_API
+// reach the dynamic symbol table of libkelmasn.so.
+#ifndef KELM_ASN_EXPORT_H
+#define KELM_ASN_EXPORT_H
+
+#define KELM_API __attribute__((visibility("default")))
+
+#endif

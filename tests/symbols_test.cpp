@@ -1,0 +1,118 @@
+// The shared library's dynamic symbol table holds every exported name.
+#include <cstdio>
+#include <set>
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// The demangled names of the defined dynamic symbols of the shared library.
+std::set<std::string> exported_names() {
+    std::set<std::string> names;
+    const std::string command =
+        std::string("nm -D --defined-only --demangle '") + KELMASN_SHARED_LIBRARY + "'";
+    FILE* pipe = popen(command.c_str(), "r");
+    if (pipe == nullptr)
+        return names;
+    char line[4096];
+    while (std::fgets(line, sizeof line, pipe) != nullptr) {
+        std::string text(line);
+        if (!text.empty() && text.back() == '\n')
+            text.pop_back();
+        // "<address> <kind> <name>"
+        const size_t first = text.find(' ');
+        const size_t second = first == std::string::npos ? first : text.find(' ', first + 1);
+        if (second == std::string::npos)
+            continue;
+        std::string name = text.substr(second + 1);
+        const size_t version = name.find('@'); // "name@@KELMASN_1"
+        if (version != std::string::npos)
+            name.erase(version);
+        names.insert(name);
+    }
+    pclose(pipe);
+    return names;
+}
+
+const char* const kDerInspection[] = {
+    "kelmAsnGetType(unsigned char**, unsigned int*, unsigned int*, unsigned int*, unsigned int*)",
+    "kelmAsnGetLength(unsigned char**, unsigned int*, unsigned int*, unsigned int*)",
+    "kelmAsnGetIntegerValue(unsigned char**, unsigned int*, unsigned int, long*)",
+    "kelmAsnGetIntegerValue(unsigned char**, unsigned int*, unsigned int, unsigned char**, "
+    "unsigned int*, int)",
+    "kelmAsnGetLongIntegerValueLittleEndian(unsigned char**, unsigned int*, unsigned int, "
+    "unsigned char**, unsigned int*)",
+    "kelmAsnGetLongIntegerValueBigEndian(unsigned char**, unsigned int*, unsigned int, "
+    "unsigned char**, unsigned int*)",
+    "kelmAsnGetNullValue(unsigned char**, unsigned int*, unsigned int)",
+    "kelmAsnGetBitstringValue(unsigned char**, unsigned int*, unsigned int, unsigned char**, "
+    "unsigned int*)",
+    "kelmAsnGetCharstringValue(unsigned char**, unsigned int*, unsigned int, char**)",
+    "kelmAsnGetOctetstringValue(unsigned char**, unsigned int*, unsigned int, unsigned char**, "
+    "unsigned int*)",
+    "kelmAsnGetOIDValue(unsigned char**, unsigned int*, unsigned int, kelm_asn_oid_t*)",
+    "check_EOC(kelm_r_buffer_t)",
+};
+
+const char* const kBuffers[] = {
+    "kelm_buffer_t::kelm_buffer_t(security_t)",
+    "kelm_buffer_t::kelm_buffer_t(kelm_memory_funcs_t)",
+    "kelm_buffer_t::kelm_buffer_t(kelm_memory_funcs_t, security_t)",
+    "kelm_buffer_t::kelm_buffer_t(unsigned int, security_t)",
+    "kelm_buffer_t::kelm_buffer_t(unsigned int, kelm_memory_funcs_t)",
+    "kelm_buffer_t::kelm_buffer_t(unsigned int, kelm_memory_funcs_t, security_t)",
+    "kelm_buffer_t::~kelm_buffer_t()",
+    "kelm_buffer_t::extend(unsigned int)",
+    "kelm_buffer_t::append(kelm_r_buffer_t const&)",
+    "kelm_buffer_t::append(unsigned char const*, unsigned int)",
+    "kelm_buffer_t::append(char const*)",
+    "kelm_buffer_t::append_int(int)",
+    "kelm_buffer_t::clear()",
+    "kelm_buffer_t::detach(unsigned char*&, unsigned int&)",
+    "kelm_r_buffer_t::set(unsigned char*, unsigned int)",
+    "kelm_r_buffer_t::reset()",
+    "kelm_r_buffer_t::operator==(kelm_r_buffer_t const&) const",
+    "kelm_memory_funcs_t::malloc(unsigned long) const",
+    "kelm_memory_funcs_t::free(void*) const",
+    "kelm_memory_funcs_t::realloc(void*, unsigned long) const",
+    "kelm_memory_funcs_t::calloc(unsigned long, unsigned long) const",
+    "vtable for kelm_buffer_t",
+    "typeinfo for kelm_asn_memexception",
+    "kelm_asn_status_text(unsigned int)",
+    "kelm_asn_report_exception(kelm_asn_exception const&)",
+};
+
+void expect_all_exported(const std::set<std::string>& names, const char* const* begin,
+                         const char* const* end) {
+    for (const char* const* name = begin; name != end; ++name)
+        EXPECT_TRUE(names.count(*name)) << "not in the dynamic symbol table: " << *name;
+}
+
+} // namespace
+
+TEST(DynamicSymbols, EveryDerInspectionFunctionIsExported) {
+    const std::set<std::string> names = exported_names();
+    ASSERT_FALSE(names.empty()) << "nm printed nothing for " << KELMASN_SHARED_LIBRARY;
+    expect_all_exported(names, std::begin(kDerInspection), std::end(kDerInspection));
+}
+
+TEST(DynamicSymbols, TheBufferClassesAreExported) {
+    const std::set<std::string> names = exported_names();
+    ASSERT_FALSE(names.empty());
+    expect_all_exported(names, std::begin(kBuffers), std::end(kBuffers));
+}
+
+TEST(DynamicSymbols, InternalHelpersStayHidden) {
+    const std::set<std::string> names = exported_names();
+    ASSERT_FALSE(names.empty());
+    for (const std::string& name : names) {
+        EXPECT_EQ(name.find("anonymous namespace"), std::string::npos) << name;
+        EXPECT_EQ(name.find("kelmasn_tool"), std::string::npos) << name;
+        const bool ours =
+            name.rfind("kelm", 0) == 0 || name.rfind("check_EOC", 0) == 0 ||
+            name.rfind("vtable for kelm", 0) == 0 || name.rfind("typeinfo for kelm", 0) == 0 ||
+            name.rfind("typeinfo name for kelm", 0) == 0 || name.rfind("KELMASN_", 0) == 0;
+        EXPECT_TRUE(ours) << "unexpected export: " << name;
+    }
+}
