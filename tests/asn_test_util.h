@@ -1,0 +1,68 @@
+// Small helpers shared by the runtime's tests: bytes in and out of value objects.
+#ifndef KELMASN_TEST_ASN_TEST_UTIL_H
+#define KELMASN_TEST_ASN_TEST_UTIL_H
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "asnbase.h"
+
+namespace kelm_test {
+
+using Bytes = std::vector<unsigned char>;
+
+// The element as asnwrite writes it; the status goes to `status` when given.
+inline Bytes encode(const kelm_asn_object& object, unsigned int* status = nullptr) {
+    kelm_buffer_t out(KELM_SECURITY_PLAIN);
+    const unsigned int s = object.asnwrite(out);
+    if (status != nullptr)
+        *status = s;
+    return Bytes(out.cursor, out.cursor + out.used());
+}
+
+// Decodes `bytes` into `object`; `consumed` receives how far the cursor moved.
+// The input is copied into a block of exactly its size, so that the sanitizers catch any read
+// past its end.
+inline unsigned int decode(kelm_asn_object& object, const Bytes& bytes,
+                           size_t* consumed = nullptr) {
+    std::unique_ptr<unsigned char[]> exact(new unsigned char[bytes.size()]);
+    std::copy(bytes.begin(), bytes.end(), exact.get());
+    kelm_r_buffer_t in(exact.get(), static_cast<unsigned int>(bytes.size()));
+    const unsigned int status = object.asnread(in);
+    if (consumed != nullptr)
+        *consumed = static_cast<size_t>(in.cursor - exact.get());
+    return status;
+}
+
+// The contents octets the object would write.
+inline Bytes contents(const kelm_asn_object& object) {
+    kelm_buffer_t out(KELM_SECURITY_PLAIN);
+    object.get_encoding(out);
+    return Bytes(out.cursor, out.cursor + out.used());
+}
+
+inline std::string text(const kelm_buffer_t& buffer) {
+    return std::string(reinterpret_cast<const char*>(buffer.cursor), buffer.used());
+}
+
+// Identifier and definite length in front of `body`.
+inline Bytes tlv(unsigned char identifier, const Bytes& body) {
+    Bytes out{identifier};
+    const size_t n = body.size();
+    if (n < 128) {
+        out.push_back(static_cast<unsigned char>(n));
+    } else {
+        int octets = n <= 0xFF ? 1 : n <= 0xFFFF ? 2 : n <= 0xFFFFFF ? 3 : 4;
+        out.push_back(static_cast<unsigned char>(0x80 | octets));
+        for (int i = octets - 1; i >= 0; --i)
+            out.push_back(static_cast<unsigned char>(n >> (8 * i)));
+    }
+    out.insert(out.end(), body.begin(), body.end());
+    return out;
+}
+
+} // namespace kelm_test
+
+#endif
