@@ -21,7 +21,7 @@ namespace {
 // A container for white-box tests of the core: it writes its one child as its contents and
 // counts how often the child asks it to re-check its validity.
 class Holder : public kelm_asn_object {
-public:
+  public:
     explicit Holder(kelm_asn_object& held) : kelm_asn_object(KELM_SECURITY_PLAIN), child(held) {
         tag = 16;
         generate_constructed = 1;
@@ -47,11 +47,12 @@ public:
 
 int last_postread_status = -1;
 int preread_calls = 0;
-void count_preread(kelm_asn_object*, kelm_r_buffer_t&) { ++preread_calls; }
+void count_preread(kelm_asn_object*, kelm_r_buffer_t&) {
+    ++preread_calls;
+}
 void record_postread(kelm_asn_object*, kelm_r_buffer_t&, int status) {
     last_postread_status = status;
 }
-
 
 } // namespace
 
@@ -111,8 +112,8 @@ TEST(LengthOctets, DefiniteLengthsTakeTheFewestOctets) {
     struct Row {
         unsigned int length;
         size_t header; // identifier plus length octets
-    } rows[] = {{0, 2},     {127, 2},   {128, 3},   {255, 3},
-                {256, 4},   {65535, 4}, {65536, 5}, {0x1000000, 6}};
+    } rows[] = {{0, 2},   {127, 2},   {128, 3},   {255, 3},
+                {256, 4}, {65535, 4}, {65536, 5}, {0x1000000, 6}};
     for (const Row& row : rows) {
         SCOPED_TRACE(::testing::Message() << "length " << row.length);
         Bytes data(row.length, 0x41);

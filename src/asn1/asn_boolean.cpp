@@ -63,7 +63,9 @@ kelm_asn_null::kelm_asn_null(security_t sec) : kelm_asn_primitive(sec) {
 
 kelm_asn_null::~kelm_asn_null() = default;
 
-unsigned int kelm_asn_null::encode_value(kelm_buffer_t&) const { return KELM_ASN_OK; }
+unsigned int kelm_asn_null::encode_value(kelm_buffer_t&) const {
+    return KELM_ASN_OK;
+}
 
 unsigned int kelm_asn_null::decode_value(kelm_r_buffer_t&, unsigned int length) {
     return length != 0 ? KELM_ASN_BAD_ENCODING : KELM_ASN_OK;
@@ -73,5 +75,9 @@ int kelm_asn_null::set_default_value(kelm_asn_object* fallback) {
     return kelm_asn_object::set_default_value(fallback);
 }
 
-int kelm_asn_null::is_valid(int) const { return 1; }
-int kelm_asn_null::is_present() const { return 1; }
+int kelm_asn_null::is_valid(int) const {
+    return 1;
+}
+int kelm_asn_null::is_present() const {
+    return 1;
+}

@@ -107,7 +107,9 @@ unsigned int kelm_asn_integer::decode_value(kelm_r_buffer_t& input, unsigned int
 }
 
 // The contents octets already are the cache.
-unsigned int kelm_asn_integer::encode_value(kelm_buffer_t&) const { return KELM_ASN_OK; }
+unsigned int kelm_asn_integer::encode_value(kelm_buffer_t&) const {
+    return KELM_ASN_OK;
+}
 
 // A present integer's cache holds its octets even after a change of tag, class or optionality
 // invalidated it, so it is revalidated rather than rebuilt.
@@ -133,4 +135,6 @@ unsigned int kelm_asn_integer::set_default_value(const unsigned char* octets, un
     return install_default(*this, octets, length);
 }
 
-int kelm_asn_integer::set_secure(security_t sec) { return kelm_asn_object::set_secure(sec); }
+int kelm_asn_integer::set_secure(security_t sec) {
+    return kelm_asn_object::set_secure(sec);
+}

@@ -9,7 +9,9 @@ namespace {
 thread_local unsigned int decode_depth = 0;
 
 // Appends "Y" or "N".
-void append_flag(kelm_buffer_t& out, int flag) { out.append(flag ? "Y" : "N"); }
+void append_flag(kelm_buffer_t& out, int flag) {
+    out.append(flag ? "Y" : "N");
+}
 
 } // namespace
 
@@ -23,7 +25,9 @@ kelm_asn_nesting_guard::~kelm_asn_nesting_guard() {
         --decode_depth;
 }
 
-unsigned int kelm_asn_nesting_guard::depth() { return decode_depth; }
+unsigned int kelm_asn_nesting_guard::depth() {
+    return decode_depth;
+}
 
 kelm_asn_object::kelm_asn_object(security_t sec)
     : encoding(sec), parent(nullptr), default_value(nullptr), optional(0), defaultable(0),
@@ -55,7 +59,9 @@ void kelm_asn_object::set_type_name(const char* name) {
     std::strncpy(type_name, name, sizeof type_name - 1);
 }
 
-int kelm_asn_object::check_valid(int) { return 0; }
+int kelm_asn_object::check_valid(int) {
+    return 0;
+}
 
 void kelm_asn_object::invalidate_encoding() const {
     encoding_valid = 0;
@@ -120,19 +126,35 @@ unsigned int kelm_asn_object::get_encoding() const {
     return fill_cache_from_value();
 }
 
-int kelm_asn_object::emptyi() { return 0; }
+int kelm_asn_object::emptyi() {
+    return 0;
+}
 
 unsigned int kelm_asn_object::get_child_count() const {
     throw "get_child_count() invoked on non-composite object";
 }
 
-int kelm_asn_object::encoding_primitive_permitted() const { return primitive_permitted; }
-int kelm_asn_object::encoding_constructed_permitted() const { return constructed_permitted; }
-int kelm_asn_object::encoding_indefinite_permitted() const { return indefinite_permitted; }
-int kelm_asn_object::is_constructed() const { return constructed; }
-int kelm_asn_object::is_indefinite_length() const { return indefinite; }
-int kelm_asn_object::is_polymorphic() const { return 0; }
-int kelm_asn_object::should_generate_constructed() const { return generate_constructed; }
+int kelm_asn_object::encoding_primitive_permitted() const {
+    return primitive_permitted;
+}
+int kelm_asn_object::encoding_constructed_permitted() const {
+    return constructed_permitted;
+}
+int kelm_asn_object::encoding_indefinite_permitted() const {
+    return indefinite_permitted;
+}
+int kelm_asn_object::is_constructed() const {
+    return constructed;
+}
+int kelm_asn_object::is_indefinite_length() const {
+    return indefinite;
+}
+int kelm_asn_object::is_polymorphic() const {
+    return 0;
+}
+int kelm_asn_object::should_generate_constructed() const {
+    return generate_constructed;
+}
 
 int kelm_asn_object::set_class(int tag_class_number) {
     tag_class = tag_class_number;
@@ -170,11 +192,21 @@ int kelm_asn_object::empty() {
     return 0;
 }
 
-int kelm_asn_object::normalize() { return 0; }
-int kelm_asn_object::is_optional() const { return optional; }
-int kelm_asn_object::is_defaultable() const { return defaultable; }
-int kelm_asn_object::is_encoding_valid() const { return encoding_valid; }
-kelm_asn_object* kelm_asn_object::get_default_value() const { return default_value; }
+int kelm_asn_object::normalize() {
+    return 0;
+}
+int kelm_asn_object::is_optional() const {
+    return optional;
+}
+int kelm_asn_object::is_defaultable() const {
+    return defaultable;
+}
+int kelm_asn_object::is_encoding_valid() const {
+    return encoding_valid;
+}
+kelm_asn_object* kelm_asn_object::get_default_value() const {
+    return default_value;
+}
 
 int kelm_asn_object::is_default_value() const {
     if (!is_defaultable())
@@ -193,7 +225,9 @@ int kelm_asn_object::is_valid(int) const {
     return is_present() || is_defaultable() || is_optional() ? 1 : 0;
 }
 
-int kelm_asn_object::is_present() const { return value_valid; }
+int kelm_asn_object::is_present() const {
+    return value_valid;
+}
 
 int kelm_asn_object::set_secure(security_t sec) {
     security = sec;
@@ -269,7 +303,9 @@ int kelm_asn_object::set_optional(int value) {
     return 0;
 }
 
-int kelm_asn_object::set_empty_permitted(int) { return 0; }
+int kelm_asn_object::set_empty_permitted(int) {
+    return 0;
+}
 
 int kelm_asn_object::check_encode_flags(int expected) const {
     if ((is_encoding_valid() != 0) != (expected != 0))
@@ -277,7 +313,9 @@ int kelm_asn_object::check_encode_flags(int expected) const {
     return check_encode_flags();
 }
 
-int kelm_asn_object::check_encode_flags() const { return 1; }
+int kelm_asn_object::check_encode_flags() const {
+    return 1;
+}
 
 unsigned int kelm_asn_object::display_state_flags(kelm_buffer_t& output, int indent) const {
     for (int i = 0; i < indent; ++i)

@@ -26,7 +26,7 @@ typedef void (*kelm_asn_preread_t)(kelm_asn_object* object, kelm_r_buffer_t& inp
 typedef void (*kelm_asn_postread_t)(kelm_asn_object* object, kelm_r_buffer_t& input, int status);
 
 class KELM_API kelm_asn_object {
-public:
+  public:
     explicit kelm_asn_object(security_t sec);
     // Refused: value objects are never copied (throws kelm_asn_unsupportederror).
     kelm_asn_object(const kelm_asn_object& other);
@@ -92,7 +92,7 @@ public:
     // KELM_ASN_BAD_ENCODING when the cache is not valid.
     unsigned int write_length(kelm_buffer_t& output) const;
 
-protected:
+  protected:
     // Stores a type name of at most 16 characters, cut and zero-padded.
     void set_type_name(const char* name);
     // Fills `encoding` from the value, or from the default value when absent.
@@ -118,13 +118,13 @@ protected:
     kelm_asn_postread_t postread;
     char type_name[17];
 
-private:
+  private:
     unsigned int read_frame(kelm_r_buffer_t& input);
 };
 
 // The abstract base of the primitive types; it adds nothing but its destructor.
 class KELM_API kelm_asn_primitive : public kelm_asn_object {
-public:
+  public:
     explicit kelm_asn_primitive(security_t sec) : kelm_asn_object(sec) {}
     ~kelm_asn_primitive() override;
 };
@@ -132,7 +132,7 @@ public:
 // Counts the constructed levels a decoding thread is inside, and refuses a level past
 // KELM_ASN_MAX_NESTING, so that no input can exhaust the stack.
 class KELM_API kelm_asn_nesting_guard {
-public:
+  public:
     kelm_asn_nesting_guard();
     ~kelm_asn_nesting_guard();
     kelm_asn_nesting_guard(const kelm_asn_nesting_guard&) = delete;
@@ -142,7 +142,7 @@ public:
     // The number of levels the calling thread is inside.
     static unsigned int depth();
 
-private:
+  private:
     bool admitted_;
 };
 

@@ -86,7 +86,9 @@ unsigned int kelm_asn_octetstring::decode_value(kelm_r_buffer_t& input, unsigned
 }
 
 // The contents octets already are the cache.
-unsigned int kelm_asn_octetstring::encode_value(kelm_buffer_t&) const { return KELM_ASN_OK; }
+unsigned int kelm_asn_octetstring::encode_value(kelm_buffer_t&) const {
+    return KELM_ASN_OK;
+}
 
 // A present octet string's cache holds its octets even after a change of tag, class or
 // optionality invalidated it, so it is revalidated rather than rebuilt.
@@ -109,4 +111,6 @@ unsigned int kelm_asn_octetstring::set_default_value(const unsigned char* octets
     return install_default(*this, octets, length);
 }
 
-int kelm_asn_octetstring::set_secure(security_t sec) { return kelm_asn_object::set_secure(sec); }
+int kelm_asn_octetstring::set_secure(security_t sec) {
+    return kelm_asn_object::set_secure(sec);
+}

@@ -12,7 +12,7 @@
 // INTEGER (universal 2). The contents octets live in the cache; beside them a 32-bit value that
 // is meaningful while `int_valid` is set.
 class KELM_API kelm_asn_integer : public kelm_asn_primitive {
-public:
+  public:
     explicit kelm_asn_integer(security_t sec = KELM_SECURITY_PLAIN);
     ~kelm_asn_integer() override;
 
@@ -33,7 +33,7 @@ public:
     unsigned int set_default_value(int value);
     unsigned int set_default_value(const unsigned char* octets, unsigned int length);
 
-private:
+  private:
     // Recomputes the 32-bit value from the cached octets.
     void compute_value();
 
@@ -43,7 +43,7 @@ private:
 
 // BOOLEAN (universal 1). Holds whatever set_value was given; 1 or 0 after decoding.
 class KELM_API kelm_asn_boolean : public kelm_asn_primitive {
-public:
+  public:
     explicit kelm_asn_boolean(security_t sec = KELM_SECURITY_PLAIN);
     ~kelm_asn_boolean() override;
 
@@ -55,13 +55,13 @@ public:
     unsigned int get_value(int& value) const;
     unsigned int set_default_value(int value);
 
-private:
+  private:
     int value;
 };
 
 // NULL (universal 5): no value, always present and valid.
 class KELM_API kelm_asn_null : public kelm_asn_primitive {
-public:
+  public:
     explicit kelm_asn_null(security_t sec = KELM_SECURITY_PLAIN);
     ~kelm_asn_null() override;
 
@@ -79,7 +79,7 @@ public:
 // gives octets * 8 when the count octet is 0 and octets * 8 - 8 + count otherwise. Values set
 // through this class therefore read back correctly through it.
 class KELM_API kelm_asn_bitstring : public kelm_asn_primitive {
-public:
+  public:
     explicit kelm_asn_bitstring(security_t sec = KELM_SECURITY_PLAIN);
     ~kelm_asn_bitstring() override;
 
@@ -92,7 +92,7 @@ public:
     unsigned int get_value(unsigned char*& bit_octets, unsigned int& bit_count) const;
     unsigned int set_default_value(const unsigned char* bit_octets, unsigned int bit_count);
 
-protected:
+  protected:
     unsigned int decode_segments(kelm_r_buffer_t& input, unsigned int length);
     // The bit octets of any bit string (a named-bits value may default to a plain one).
     static const kelm_buffer_t& stored_bits(const kelm_asn_bitstring& value) { return value.bits; }
@@ -104,7 +104,7 @@ protected:
 // A BIT STRING of named bits: bit 0 is the most significant bit of the first octet. Written with
 // trailing zero octets removed and the count octet recomputed from the last octet.
 class KELM_API kelm_asn_namedbits : public kelm_asn_bitstring {
-public:
+  public:
     explicit kelm_asn_namedbits(security_t sec = KELM_SECURITY_PLAIN);
     ~kelm_asn_namedbits() override;
 
@@ -117,7 +117,7 @@ public:
 // OCTET STRING (universal 4). The contents octets live in the cache, with one 0x00 kept just past
 // the last octet (not counted), so that text can be used as a NUL-terminated string.
 class KELM_API kelm_asn_octetstring : public kelm_asn_primitive {
-public:
+  public:
     explicit kelm_asn_octetstring(security_t sec = KELM_SECURITY_PLAIN);
     ~kelm_asn_octetstring() override;
 
@@ -132,7 +132,7 @@ public:
     unsigned int get_value(unsigned char*& octets, unsigned int& length) const;
     unsigned int set_default_value(const unsigned char* octets, unsigned int length);
 
-protected:
+  protected:
     // Replaces the contents with `length` octets and keeps the hidden 0x00 after them.
     void store_contents(const unsigned char* octets, unsigned int length);
 };

@@ -60,26 +60,48 @@ void* operator new[](size_t size) {
     return block;
 }
 
-void* operator new(size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
-void* operator new[](size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
-void operator delete(void* block) noexcept { std::free(block); }
-void operator delete[](void* block) noexcept { std::free(block); }
-void operator delete(void* block, size_t) noexcept { std::free(block); }
-void operator delete[](void* block, size_t) noexcept { std::free(block); }
-void operator delete(void* block, const std::nothrow_t&) noexcept { std::free(block); }
-void operator delete[](void* block, const std::nothrow_t&) noexcept { std::free(block); }
+void* operator new(size_t size, const std::nothrow_t&) noexcept {
+    return allocate(size);
+}
+void* operator new[](size_t size, const std::nothrow_t&) noexcept {
+    return allocate(size);
+}
+void operator delete(void* block) noexcept {
+    std::free(block);
+}
+void operator delete[](void* block) noexcept {
+    std::free(block);
+}
+void operator delete(void* block, size_t) noexcept {
+    std::free(block);
+}
+void operator delete[](void* block, size_t) noexcept {
+    std::free(block);
+}
+void operator delete(void* block, const std::nothrow_t&) noexcept {
+    std::free(block);
+}
+void operator delete[](void* block, const std::nothrow_t&) noexcept {
+    std::free(block);
+}
 
 namespace kelm_test {
 
-unsigned long allocation_count() { return counted; }
-void reset_allocation_count() { counted = 0; }
+unsigned long allocation_count() {
+    return counted;
+}
+void reset_allocation_count() {
+    counted = 0;
+}
 
 void fail_nth_allocation(unsigned long n) {
     countdown = n;
     delivered = false;
 }
 
-bool failure_delivered() { return delivered; }
+bool failure_delivered() {
+    return delivered;
+}
 
 unsigned long for_each_allocation_failure(const std::function<void()>& operation,
                                           const std::function<void(unsigned long)>& on_failed_run) {

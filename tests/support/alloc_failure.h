@@ -24,7 +24,7 @@ bool failure_delivered();
 
 // Disarms any pending failure when it goes out of scope.
 class ScopedAllocationFailure {
-public:
+  public:
     explicit ScopedAllocationFailure(unsigned long n) { fail_nth_allocation(n); }
     ~ScopedAllocationFailure() { fail_nth_allocation(0); }
     ScopedAllocationFailure(const ScopedAllocationFailure&) = delete;
