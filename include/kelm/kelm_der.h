@@ -91,8 +91,7 @@ KELM_API unsigned int kelmAsnGetOctetstringValue(unsigned char** cursor, unsigne
 KELM_API unsigned int kelmAsnGetOIDValue(unsigned char** cursor, unsigned int* remaining,
                                          unsigned int size, kelm_asn_oid_t* oid);
 
-// 1 if at least two bytes remain in `reader` and both are 0x00 (an end-of-contents marker is
-// next), else 0. The caller's reader does not move.
-KELM_API int check_EOC(kelm_r_buffer_t reader);
+// check_EOC, the end-of-contents test on a read cursor, is declared beside kelm_r_buffer_t in
+// asn_buffer.h.
 
 #endif

@@ -65,6 +65,10 @@ class KELM_API kelm_r_buffer_t {
     ~kelm_r_buffer_t() = default;
 };
 
+// 1 if at least two bytes remain in `reader` and both are 0x00 (an end-of-contents marker is
+// next), else 0. The caller's reader does not move.
+KELM_API int check_EOC(kelm_r_buffer_t reader);
+
 // A growable output buffer. What has been written is exposed through the inherited cursor:
 // `cursor` is the storage and `remaining` the number of bytes written (the used count).
 class KELM_API kelm_buffer_t : public kelm_r_buffer_t {

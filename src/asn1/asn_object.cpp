@@ -408,5 +408,8 @@ unsigned int kelm_asn_object::read_frame(kelm_r_buffer_t& input) {
         input.remaining -= 2;
     }
     set_value_valid();
+    // A container's presence follows from its children: a SEQUENCE whose contents held none of
+    // its optional children, or an empty list, stays absent unless it may be empty.
+    check_valid(0);
     return KELM_ASN_OK;
 }

@@ -4,6 +4,8 @@
 #define KELM_ASNBASE_H
 
 #include "asn_buffer.h"
+#include "asn_constructed.h"
+#include "asn_lists.h"
 #include "asn_object.h"
 #include "asn_primitives.h"
 #include "asn_status.h"
