@@ -14,7 +14,6 @@ using kelm_test::Bytes;
 using kelm_test::contents;
 using kelm_test::decode;
 using kelm_test::encode;
-using kelm_test::tlv;
 
 namespace {
 
@@ -465,23 +464,7 @@ namespace {
 
 // `levels` constructed OCTET STRINGs, each holding the next, around one primitive segment.
 Bytes nested_octet_strings(unsigned int levels, bool indefinite) {
-    Bytes inner = {0x04, 0x01, 0x61};
-    if (indefinite) {
-        Bytes out;
-        for (unsigned int i = 0; i < levels; ++i) {
-            out.push_back(0x24);
-            out.push_back(0x80);
-        }
-        out.insert(out.end(), inner.begin(), inner.end());
-        for (unsigned int i = 0; i < levels; ++i) {
-            out.push_back(0x00);
-            out.push_back(0x00);
-        }
-        return out;
-    }
-    for (unsigned int i = 0; i < levels; ++i)
-        inner = tlv(0x24, inner);
-    return inner;
+    return kelm_test::nested(levels, 0x24, {0x04, 0x01, 0x61}, indefinite);
 }
 
 struct DeepDecode {

@@ -63,6 +63,37 @@ inline Bytes tlv(unsigned char identifier, const Bytes& body) {
     return out;
 }
 
+// `levels` constructed elements with identifier `identifier`, each holding the next, around
+// `innermost`. Built from the inside out in one pass, so that deep inputs cost linear time.
+inline Bytes nested(unsigned int levels, unsigned char identifier, const Bytes& innermost,
+                    bool indefinite) {
+    if (indefinite) {
+        Bytes out;
+        out.reserve(levels * 4 + innermost.size());
+        for (unsigned int i = 0; i < levels; ++i) {
+            out.push_back(identifier);
+            out.push_back(0x80);
+        }
+        out.insert(out.end(), innermost.begin(), innermost.end());
+        out.insert(out.end(), 2 * static_cast<size_t>(levels), 0x00);
+        return out;
+    }
+    Bytes reversed(innermost.rbegin(), innermost.rend());
+    for (unsigned int i = 0; i < levels; ++i) {
+        const size_t n = reversed.size();
+        if (n < 128) {
+            reversed.push_back(static_cast<unsigned char>(n));
+        } else {
+            int octets = n <= 0xFF ? 1 : n <= 0xFFFF ? 2 : n <= 0xFFFFFF ? 3 : 4;
+            for (int k = 0; k < octets; ++k)
+                reversed.push_back(static_cast<unsigned char>(n >> (8 * k)));
+            reversed.push_back(static_cast<unsigned char>(0x80 | octets));
+        }
+        reversed.push_back(identifier);
+    }
+    return Bytes(reversed.rbegin(), reversed.rend());
+}
+
 } // namespace kelm_test
 
 #endif
