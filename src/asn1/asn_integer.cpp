@@ -36,7 +36,9 @@ void kelm_asn_integer::compute_value() {
 
 unsigned int kelm_asn_integer::set_value(int new_value) {
     invalidate_encoding();
-    encoding.clear();
+    // Built on the stack and appended as one block: the cache then grows once, to 64 bytes.
+    unsigned char octets[5];
+    unsigned int n = 0;
     const bool negative = new_value < 0;
     const unsigned int word = static_cast<unsigned int>(new_value);
     const unsigned char skip = negative ? 0xFF : 0x00;
@@ -44,16 +46,18 @@ unsigned int kelm_asn_integer::set_value(int new_value) {
     while (shift >= 0 && static_cast<unsigned char>(word >> shift) == skip)
         shift -= 8;
     if (shift < 0) {
-        encoding.append(skip); // 0 or -1
+        octets[n++] = skip; // 0 or -1
     } else {
         const unsigned char first = static_cast<unsigned char>(word >> shift);
         if (!negative && (first & 0x80))
-            encoding.append(static_cast<unsigned char>(0x00));
+            octets[n++] = 0x00;
         if (negative && !(first & 0x80))
-            encoding.append(static_cast<unsigned char>(0xFF));
+            octets[n++] = 0xFF;
         for (; shift >= 0; shift -= 8)
-            encoding.append(static_cast<unsigned char>(word >> shift));
+            octets[n++] = static_cast<unsigned char>(word >> shift);
     }
+    encoding.clear();
+    encoding.append(octets, n);
     value = new_value;
     int_valid = 1;
     encoding_valid = 1;
