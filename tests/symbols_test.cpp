@@ -1,4 +1,5 @@
 // The shared library's dynamic symbol table holds every exported name.
+#include <algorithm>
 #include <cstdio>
 #include <set>
 #include <string>
@@ -83,6 +84,27 @@ const char* const kBuffers[] = {
     "kelm_asn_report_exception(kelm_asn_exception const&)",
 };
 
+const char* const kCodeSets[] = {
+    "IA52T61(kelm_r_buffer_t const&, kelm_buffer_t&)",
+    "T612BMP(kelm_r_buffer_t const&, kelm_buffer_t&)",
+    "T612IA5(kelm_r_buffer_t const&, kelm_buffer_t&)",
+    "BMP2IA5(kelm_r_buffer_t const&, kelm_buffer_t&)",
+    "IA52U(kelm_r_buffer_t const&, kelm_buffer_t&)",
+    "IA52BMP(kelm_r_buffer_t const&, kelm_buffer_t&)",
+    "BMP2U(kelm_r_buffer_t const&, kelm_buffer_t&)",
+    "U2IA5(kelm_r_buffer_t const&, kelm_buffer_t&)",
+    "U2BMP(kelm_r_buffer_t const&, kelm_buffer_t&)",
+    "UTF82IA5(kelm_r_buffer_t, kelm_buffer_t&)",
+    "UTF82BMP(kelm_r_buffer_t, kelm_buffer_t&)",
+    "IA52UTF8(kelm_r_buffer_t, kelm_buffer_t&)",
+    "BMP2UTF8(kelm_r_buffer_t, kelm_buffer_t&)",
+    "U2UTF8(kelm_r_buffer_t, kelm_buffer_t&)",
+    "IA52V(kelm_r_buffer_t const&, kelm_buffer_t&)",
+    "IA52P(kelm_r_buffer_t const&, kelm_buffer_t&)",
+    "IA52Local_table",
+    "Local2IA5_table",
+};
+
 void expect_all_exported(const std::set<std::string>& names, const char* const* begin,
                          const char* const* end) {
     for (const char* const* name = begin; name != end; ++name)
@@ -103,6 +125,12 @@ TEST(DynamicSymbols, TheBufferClassesAreExported) {
     expect_all_exported(names, std::begin(kBuffers), std::end(kBuffers));
 }
 
+TEST(DynamicSymbols, TheCodeSetConvertersAndTablesAreExported) {
+    const std::set<std::string> names = exported_names();
+    ASSERT_FALSE(names.empty());
+    expect_all_exported(names, std::begin(kCodeSets), std::end(kCodeSets));
+}
+
 TEST(DynamicSymbols, InternalHelpersStayHidden) {
     const std::set<std::string> names = exported_names();
     ASSERT_FALSE(names.empty());
@@ -112,7 +140,8 @@ TEST(DynamicSymbols, InternalHelpersStayHidden) {
         const bool ours =
             name.rfind("kelm", 0) == 0 || name.rfind("check_EOC", 0) == 0 ||
             name.rfind("vtable for kelm", 0) == 0 || name.rfind("typeinfo for kelm", 0) == 0 ||
-            name.rfind("typeinfo name for kelm", 0) == 0 || name.rfind("KELMASN_", 0) == 0;
+            name.rfind("typeinfo name for kelm", 0) == 0 || name.rfind("KELMASN_", 0) == 0 ||
+            std::find(std::begin(kCodeSets), std::end(kCodeSets), name) != std::end(kCodeSets);
         EXPECT_TRUE(ours) << "unexpected export: " << name;
     }
 }

@@ -1,7 +1,7 @@
 // kelmasn: ASN.1 DER encoding of the access-control product's records.
 //
 // Including this header gives a caller every exported declaration: the runtime's buffers,
-// statuses and exceptions, and the DER inspection functions.
+// statuses and exceptions, the code-set converters, and the DER inspection functions.
 #ifndef KELM_KELMASN_H
 #define KELM_KELMASN_H
 

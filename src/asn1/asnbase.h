@@ -1,5 +1,6 @@
-// The ASN.1 runtime: buffers and allocation hooks, statuses and exceptions, and the value
-// objects built on them. Including this header gives every runtime declaration.
+// The ASN.1 runtime: buffers and allocation hooks, statuses and exceptions, the code-set
+// converters, and the value objects built on them. Including this header gives every runtime
+// declaration.
 #ifndef KELM_ASNBASE_H
 #define KELM_ASNBASE_H
 
@@ -9,5 +10,6 @@
 #include "asn_object.h"
 #include "asn_primitives.h"
 #include "asn_status.h"
+#include "codeset.h"
 
 #endif
