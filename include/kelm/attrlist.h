@@ -1,0 +1,50 @@
+// Identifiers, typed values, attributes and attribute lists: the records nearly every other
+// record nests.
+//
+// Ownership: a record filled by a decode entry point owns every string and array it points at;
+// kelmAsnFreeObj releases them (not the record itself).
+#ifndef KELM_ATTRLIST_H
+#define KELM_ATTRLIST_H
+
+#include <cstddef>
+#include <cstdint>
+
+// The 16-byte identifier layout.
+struct uuid_t {
+    uint32_t time_low;
+    uint16_t time_mid;
+    uint16_t time_hi_and_version;
+    uint8_t clock_seq_hi_and_reserved;
+    uint8_t clock_seq_low;
+    unsigned char node[6];
+};
+
+// A typed value: the type code is carried, not interpreted.
+struct value_s_t {
+    uint32_t value_type;
+    char* str_value;
+    uint32_t bin_length;
+    unsigned char* bin_value;
+};
+
+// A named attribute with its values.
+struct attr_s_t {
+    char* name;
+    uint32_t value_count;
+    value_s_t* values;
+};
+
+// A list of attributes.
+struct attrlist_s_t {
+    uint32_t attr_count;
+    attr_s_t* attrs;
+};
+
+static_assert(sizeof(uuid_t) == 16, "uuid_t is the 16-byte identifier layout");
+static_assert(offsetof(uuid_t, node) == 10, "uuid_t layout");
+static_assert(sizeof(value_s_t) == 32, "value_s_t layout");
+static_assert(offsetof(value_s_t, bin_length) == 16, "value_s_t layout");
+static_assert(sizeof(attr_s_t) == 24, "attr_s_t layout");
+static_assert(sizeof(attrlist_s_t) == 16, "attrlist_s_t layout");
+
+#endif

@@ -1,0 +1,18 @@
+// The record that carries encoded bytes across the library's boundary.
+//
+// Ownership: bytes placed here by an encode entry point are allocated with malloc and belong to
+// the holder of the record, who releases them with kelm_asn_buffer_free.
+#ifndef KELM_ASN_BUFFER_RECORD_H
+#define KELM_ASN_BUFFER_RECORD_H
+
+#include <cstddef>
+
+struct kelm_asn_buffer_t {
+    unsigned long length; // valid bytes at `data`; only 32-bit lengths are produced and checked
+    unsigned char* data;
+};
+
+static_assert(sizeof(kelm_asn_buffer_t) == 16, "the buffer record is two 8-byte fields");
+static_assert(offsetof(kelm_asn_buffer_t, data) == 8, "the buffer record is two 8-byte fields");
+
+#endif
