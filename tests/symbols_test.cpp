@@ -105,6 +105,24 @@ const char* const kCodeSets[] = {
     "Local2IA5_table",
 };
 
+const char* const kCharStrings[] = {
+    "kelm_asn_charstring::kelm_asn_charstring(security_t)",
+    "kelm_asn_ia5String::kelm_asn_ia5String(security_t)",
+    "kelm_asn_printableString::kelm_asn_printableString(security_t)",
+    "kelm_asn_visibleString::kelm_asn_visibleString(security_t)",
+    "kelm_asn_teletexString::kelm_asn_teletexString(security_t)",
+    "kelm_asn_bmpString::kelm_asn_bmpString(security_t)",
+    "kelm_asn_universalString::kelm_asn_universalString(security_t)",
+    "kelm_asn_UTF8String::kelm_asn_UTF8String(security_t)",
+    "kelm_asn_directoryString::kelm_asn_directoryString(security_t)",
+    "kelm_asn_charstring::set_value_C(char*)",
+    "kelm_asn_charstring::get_value_C(kelm_buffer_t&, char) const",
+    "kelm_asn_charstring::convert2UTF8()",
+    "kelm_asn_directoryString::set_preferred_codeset(unsigned int)",
+    "vtable for kelm_asn_directoryString",
+    "typeinfo for kelm_asn_UTF8String",
+};
+
 void expect_all_exported(const std::set<std::string>& names, const char* const* begin,
                          const char* const* end) {
     for (const char* const* name = begin; name != end; ++name)
@@ -129,6 +147,12 @@ TEST(DynamicSymbols, TheCodeSetConvertersAndTablesAreExported) {
     const std::set<std::string> names = exported_names();
     ASSERT_FALSE(names.empty());
     expect_all_exported(names, std::begin(kCodeSets), std::end(kCodeSets));
+}
+
+TEST(DynamicSymbols, TheCharacterStringClassesAreExported) {
+    const std::set<std::string> names = exported_names();
+    ASSERT_FALSE(names.empty());
+    expect_all_exported(names, std::begin(kCharStrings), std::end(kCharStrings));
 }
 
 TEST(DynamicSymbols, InternalHelpersStayHidden) {

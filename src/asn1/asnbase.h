@@ -5,6 +5,7 @@
 #define KELM_ASNBASE_H
 
 #include "asn_buffer.h"
+#include "asn_charstring.h"
 #include "asn_constructed.h"
 #include "asn_lists.h"
 #include "asn_object.h"
