@@ -6,7 +6,7 @@
 #include "asn_charstring.h"
 #include "asn_charstring_routes.h"
 #include "codeset.h"
-#include "codeset_support.h"
+#include "codeset_internal.h"
 
 using kelm_charstring::TextPasses;
 
