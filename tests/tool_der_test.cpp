@@ -145,6 +145,21 @@ TEST(ToolDer, ALengthOfMoreThanFourOctetsThatOverflowsIsRejected) {
     EXPECT_NE(run.err.find("does not fit in 32 bits"), std::string::npos) << run.err;
 }
 
+TEST(ToolDer, ATagNumberPastThirtyTwoBitsIsRejectedNotWrapped) {
+    // Five subsequent identifier octets carry 35 bits; 0x7FFFFFFF8C would print as 4294967180.
+    const ToolRun run = run_on_bytes({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x0C, 0x00});
+    expect_clean_rejection(run);
+    EXPECT_NE(run.err.find("offset 0: tag number does not fit in 32 bits"), std::string::npos)
+        << run.err;
+    EXPECT_EQ(run.out, "");
+}
+
+TEST(ToolDer, TheLargestThirtyTwoBitTagNumberIsShown) {
+    const ToolRun run = run_on_bytes({0xDF, 0x8F, 0xFF, 0xFF, 0xFF, 0x7F, 0x00});
+    EXPECT_EQ(run.exit_code, 0) << run.err;
+    EXPECT_EQ(run.out, "     0  [PRIVATE 4294967295] primitive, length 0\n");
+}
+
 TEST(ToolDer, RunawayNestingIsRejectedWithoutExhaustingTheStack) {
     std::vector<unsigned char> deep;
     for (int i = 0; i < 100000; ++i) {

@@ -7,7 +7,7 @@
 #include <cstdint>
 
 #include "codeset.h"
-#include "codeset_support.h"
+#include "codeset_internal.h"
 
 using kelm_codeset::cut_back_and_refuse;
 using kelm_codeset::kChunkOctets;

@@ -1,7 +1,7 @@
 // IA5, BMP (UCS-2) and Universal (UCS-4): the widening converters IA52BMP, IA52U and BMP2U, and
 // the narrowing converters BMP2IA5, U2IA5 and U2BMP. All characters are big-endian.
 #include "codeset.h"
-#include "codeset_support.h"
+#include "codeset_internal.h"
 
 using kelm_codeset::cut_back_and_refuse;
 using kelm_codeset::kChunkOctets;

@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "codeset.h"
-#include "codeset_support.h"
+#include "codeset_internal.h"
 
 using kelm_codeset::kChunkOctets;
 using kelm_codeset::octet_or_filler;

@@ -248,11 +248,13 @@ class Walker {
         if ((base[0] & 0x1F) == 0x1F) {
             // High tag number: read it by X.690 8.1.2.4 from the octets the function delimited.
             cursor = slots[1] + 1;
-            if (cursor - base > 6)
-                return fail(offset, "tag number does not fit in 32 bits");
             tag = 0;
-            for (unsigned char* p = base + 1; p < cursor; ++p)
+            for (unsigned char* p = base + 1; p < cursor; ++p) {
+                // Five subsequent octets carry 35 bits: test the value, not the octet count.
+                if (tag > (0xFFFFFFFFu >> 7))
+                    return fail(offset, "tag number does not fit in 32 bits");
                 tag = tag * 128 + (*p & 0x7F);
+            }
         }
         const size_t length_offset = static_cast<size_t>(cursor - bytes_.data());
         const unsigned int length_octets = (left > 0 && (*cursor & 0x80)) ? (*cursor & 0x7F) : 0;
