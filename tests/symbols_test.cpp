@@ -1,6 +1,7 @@
 // The shared library's dynamic symbol table holds every exported name.
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <set>
 #include <string>
 
@@ -123,6 +124,37 @@ const char* const kCharStrings[] = {
     "typeinfo for kelm_asn_UTF8String",
 };
 
+const char* const kEntryPoints[] = {
+    "kelmasn_version(kelm_asn_buffer_t const&, unsigned int&)",
+    "kelm_asn_buffer_copy(kelm_asn_buffer_t const&, kelm_asn_buffer_t&, unsigned int&)",
+    "kelm_asn_buffer_free(kelm_asn_buffer_t&)",
+    "kelmAsnEncodeObj(kelm_asn_buffer_t&, uuid_t&)",
+    "kelmAsnDecodeObj(kelm_asn_buffer_t&, uuid_t&)",
+    "kelmAsnEncodeObjLCS(kelm_asn_buffer_t&, uuid_t&)",
+    "kelmAsnDecodeObjLCS(kelm_asn_buffer_t&, uuid_t&)",
+    "kelmAsnFreeObj(uuid_t&)",
+    "kelmAsnEncodeObj(kelm_asn_buffer_t&, value_s_t&)",
+    "kelmAsnDecodeObj(kelm_asn_buffer_t&, value_s_t&)",
+    "kelmAsnEncodeObjLCS(kelm_asn_buffer_t&, value_s_t&)",
+    "kelmAsnDecodeObjLCS(kelm_asn_buffer_t&, value_s_t&)",
+    "kelmAsnFreeObj(value_s_t&)",
+    "kelmAsnEncodeObj(kelm_asn_buffer_t&, attr_s_t&)",
+    "kelmAsnDecodeObj(kelm_asn_buffer_t&, attr_s_t&)",
+    "kelmAsnEncodeObjLCS(kelm_asn_buffer_t&, attr_s_t&)",
+    "kelmAsnDecodeObjLCS(kelm_asn_buffer_t&, attr_s_t&)",
+    "kelmAsnFreeObj(attr_s_t&)",
+    "kelmAsnEncodeObj(kelm_asn_buffer_t&, attrlist_s_t&)",
+    "kelmAsnDecodeObj(kelm_asn_buffer_t&, attrlist_s_t&)",
+    "kelmAsnEncodeObjLCS(kelm_asn_buffer_t&, attrlist_s_t&)",
+    "kelmAsnDecodeObjLCS(kelm_asn_buffer_t&, attrlist_s_t&)",
+    "kelmAsnFreeObj(attrlist_s_t&)",
+    "kelm_asnbase::saveEncoding(kelm_asn_object const&, int, kelm_asn_buffer_t&)",
+    "kelm_asnbase::loadObject(kelm_asn_object&, int, kelm_asn_buffer_t const&)",
+    "kelm_intvalue(kelm_asn_integer const&)",
+    "kelm_free_strings(int, char**)",
+    "NULL_STRING",
+};
+
 void expect_all_exported(const std::set<std::string>& names, const char* const* begin,
                          const char* const* end) {
     for (const char* const* name = begin; name != end; ++name)
@@ -155,17 +187,32 @@ TEST(DynamicSymbols, TheCharacterStringClassesAreExported) {
     expect_all_exported(names, std::begin(kCharStrings), std::end(kCharStrings));
 }
 
+TEST(DynamicSymbols, TheEntryPointsOfTheRecordTypesAreExported) {
+    const std::set<std::string> names = exported_names();
+    ASSERT_FALSE(names.empty());
+    expect_all_exported(names, std::begin(kEntryPoints), std::end(kEntryPoints));
+}
+
 TEST(DynamicSymbols, InternalHelpersStayHidden) {
     const std::set<std::string> names = exported_names();
     ASSERT_FALSE(names.empty());
     for (const std::string& name : names) {
         EXPECT_EQ(name.find("anonymous namespace"), std::string::npos) << name;
         EXPECT_EQ(name.find("kelmasn_tool"), std::string::npos) << name;
+        // Symbols of the library's own names, and those of the classes' vtables and typeinfo.
+        std::string bare = name;
+        for (const char* prefix : {"vtable for ", "typeinfo for ", "typeinfo name for "})
+            if (bare.rfind(prefix, 0) == 0)
+                bare.erase(0, std::strlen(prefix));
         const bool ours =
-            name.rfind("kelm", 0) == 0 || name.rfind("check_EOC", 0) == 0 ||
-            name.rfind("vtable for kelm", 0) == 0 || name.rfind("typeinfo for kelm", 0) == 0 ||
-            name.rfind("typeinfo name for kelm", 0) == 0 || name.rfind("KELMASN_", 0) == 0 ||
+            bare.rfind("kelm", 0) == 0 || bare.rfind("asn_", 0) == 0 ||
+            bare.rfind("check_EOC", 0) == 0 || bare == "NULL_STRING" ||
+            bare.rfind("KELMASN_", 0) == 0 ||
             std::find(std::begin(kCodeSets), std::end(kCodeSets), name) != std::end(kCodeSets);
         EXPECT_TRUE(ours) << "unexpected export: " << name;
+        // The local code-set module is internal.
+        EXPECT_EQ(name.find("ZLC"), std::string::npos) << name;
+        EXPECT_EQ(name.find("ZUTF8"), std::string::npos) << name;
+        EXPECT_EQ(name.find("kelmz"), std::string::npos) << name;
     }
 }

@@ -9,6 +9,9 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "asn_export.h"
+#include "kelm_asn_buffer.h"
+
 // The 16-byte identifier layout.
 struct uuid_t {
     uint32_t time_low;
@@ -46,5 +49,21 @@ static_assert(sizeof(value_s_t) == 32, "value_s_t layout");
 static_assert(offsetof(value_s_t, bin_length) == 16, "value_s_t layout");
 static_assert(sizeof(attr_s_t) == 24, "attr_s_t layout");
 static_assert(sizeof(attrlist_s_t) == 16, "attrlist_s_t layout");
+
+// Typed entry points, one set per record type. Encode fills `out` with the four-byte header and
+// the DER encoding (release it with kelm_asn_buffer_free); decode fills the record, whose storage
+// the caller releases with kelmAsnFreeObj. The LCS variants convert texts between the local code
+// set and UTF-8. Each returns 0 or a status code (see kelm_entry.h).
+#define KELM_DECLARE_ENTRY_POINTS(Record)                                                          \
+    KELM_API unsigned int kelmAsnEncodeObj(kelm_asn_buffer_t& out, Record& record);                \
+    KELM_API unsigned int kelmAsnDecodeObj(kelm_asn_buffer_t& in, Record& record);                 \
+    KELM_API unsigned int kelmAsnEncodeObjLCS(kelm_asn_buffer_t& out, Record& record);             \
+    KELM_API unsigned int kelmAsnDecodeObjLCS(kelm_asn_buffer_t& in, Record& record);              \
+    KELM_API void kelmAsnFreeObj(Record& record)
+
+KELM_DECLARE_ENTRY_POINTS(uuid_t);
+KELM_DECLARE_ENTRY_POINTS(value_s_t);
+KELM_DECLARE_ENTRY_POINTS(attr_s_t);
+KELM_DECLARE_ENTRY_POINTS(attrlist_s_t);
 
 #endif

@@ -6,6 +6,9 @@
 #define KELM_KELMASN_H
 
 #include "asnbase.h"
+#include "attrlist.h"
+#include "kelm_asn_buffer.h"
 #include "kelm_der.h"
+#include "kelm_entry.h"
 
 #endif

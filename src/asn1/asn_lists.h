@@ -147,6 +147,7 @@ template <class T> class kelm_asn_arrayof : public kelm_asn_composite {
 
     explicit kelm_asn_arrayof(security_t sec = KELM_SECURITY_PLAIN)
         : kelm_asn_composite(sec), elements(sec) {
+        set_type_name("SARRAYOF");
         elements.set_parent(this);
     }
     ~kelm_asn_arrayof() override = default;
@@ -199,6 +200,11 @@ template <class T> class kelm_asn_arrayof : public kelm_asn_composite {
         return elements.check_encode_flags(expected);
     }
     int check_encode_flags() const override { return elements.check_encode_flags(); }
+    // The slots created from now on take the mode too.
+    int set_secure(security_t sec) override {
+        kelm_asn_composite::set_secure(sec);
+        return elements.set_secure(sec);
+    }
 
     // The slots as they stand: each a cherce whose selected() is 0 (empty) or 1 (filled).
     kelm_asn_sequenceof<cherce>& slots() { return elements; }

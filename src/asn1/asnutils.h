@@ -15,7 +15,7 @@ extern KELM_API const char* const NULL_STRING;
 
 // The base of every message class: an empty SEQUENCE, plus the header format.
 class KELM_API kelm_asnbase : public kelm_asn_sequence {
-public:
+  public:
     explicit kelm_asnbase(security_t sec = KELM_SECURITY_PLAIN);
     ~kelm_asnbase() override;
 
@@ -41,17 +41,17 @@ public:
 // A message base whose first element is INTEGER 1, a format version written but never read
 // back into a record.
 class KELM_API kelm_v37_asnbase : public kelm_asnbase {
-public:
+  public:
     explicit kelm_v37_asnbase(security_t sec = KELM_SECURITY_PLAIN);
     ~kelm_v37_asnbase() override;
 
-protected:
+  protected:
     kelm_asn_integer version_element;
 };
 
 // INTEGER field adapter: narrow reads truncate to the target width without a range check.
 class KELM_API kelmasn_integer : public kelm_asn_integer {
-public:
+  public:
     explicit kelmasn_integer(security_t sec = KELM_SECURITY_PLAIN);
     ~kelmasn_integer() override;
 
@@ -70,7 +70,7 @@ public:
 // OCTET STRING field adapter: NUL-terminated strings (stored with their NUL), single
 // characters, counted and fixed-size byte arrays.
 class KELM_API kelmasn_octetstring : public kelm_asn_octetstring {
-public:
+  public:
     explicit kelmasn_octetstring(security_t sec = KELM_SECURITY_PLAIN);
     ~kelmasn_octetstring() override;
 

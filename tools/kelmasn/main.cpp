@@ -1,7 +1,11 @@
 // kelmasn: a command-line view of the library's encodings.
 //
-//   kelmasn der FILE     print the BER/DER element tree of FILE ("-" reads standard input)
+//   kelmasn der FILE                     the BER/DER element tree of FILE ("-": standard input)
+//   kelmasn types                        the record types the library knows
+//   kelmasn decode TYPE FILE             a buffer of TYPE as JSON
+//   kelmasn encode TYPE FILE.json -o OUT a record of TYPE from JSON into a buffer
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -9,8 +13,11 @@
 #include <vector>
 
 #include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
+#include "asn_record_registry.h"
 #include "der_dump.h"
+#include "json_records.h"
 
 namespace {
 
@@ -33,23 +40,127 @@ bool read_input(const std::string& path, std::vector<unsigned char>& bytes, std:
     return true;
 }
 
+int complain(const std::string& message) {
+    std::fprintf(stderr, "kelmasn: %s\n", message.c_str());
+    return 1;
+}
+
+const kelm_record_type* find_type(const std::string& name) {
+    const kelm_record_type* type = kelm_record_type_named(name.c_str());
+    if (type == nullptr)
+        complain("unknown record type " + name + " (kelmasn types lists them)");
+    return type;
+}
+
+std::string status_line(unsigned int status) {
+    char code[16];
+    std::snprintf(code, sizeof code, "0x%08x", status);
+    return std::string("status ") + code + " (" + kelm_asn_status_text(status) + ")";
+}
+
+// A zeroed record of the type's size, released with the type's free function.
+struct RecordStorage {
+    explicit RecordStorage(const kelm_record_type& t)
+        : type(t), bytes(std::calloc(1, t.record_size)) {}
+    ~RecordStorage() {
+        if (bytes != nullptr)
+            kelm_asn_record::free_record(type, bytes);
+        std::free(bytes);
+    }
+    RecordStorage(const RecordStorage&) = delete;
+    RecordStorage& operator=(const RecordStorage&) = delete;
+    const kelm_record_type& type;
+    void* bytes;
+};
+
 int run_der(const std::string& path) {
     std::vector<unsigned char> bytes;
     std::string error;
-    if (!read_input(path, bytes, error)) {
-        std::fprintf(stderr, "kelmasn: %s\n", error.c_str());
-        return 1;
-    }
+    if (!read_input(path, bytes, error))
+        return complain(error);
     std::string out;
     kelmasn_tool::DumpError failure{0, ""};
     const bool ok = kelmasn_tool::dump_der(std::move(bytes), out, failure);
     std::fwrite(out.data(), 1, out.size(), stdout);
     std::fflush(stdout);
-    if (!ok) {
-        std::fprintf(stderr, "kelmasn: %s: offset %zu: %s\n", path.c_str(), failure.offset,
-                     failure.reason.c_str());
+    if (!ok)
+        return complain(path + ": offset " + std::to_string(failure.offset) + ": " +
+                        failure.reason);
+    return 0;
+}
+
+int run_types() {
+    unsigned int count = 0;
+    const kelm_record_type* const* types = kelm_record_types(count);
+    for (unsigned int i = 0; i < count; ++i)
+        std::printf("%-36s %s\n", types[i]->record_name, types[i]->class_name);
+    return 0;
+}
+
+int run_decode(const std::string& type_name, const std::string& path, bool local, int version) {
+    const kelm_record_type* type = find_type(type_name);
+    if (type == nullptr)
         return 1;
+    std::vector<unsigned char> bytes;
+    std::string error;
+    if (!read_input(path, bytes, error))
+        return complain(error);
+    RecordStorage record(*type);
+    if (record.bytes == nullptr)
+        return complain("out of memory");
+    kelm_asn_buffer_t buffer{bytes.size(), bytes.data()};
+    unsigned int status;
+    {
+        kelm_asn_record message(*type, local ? KELM_SECURITY_LOCAL_CODESET : KELM_SECURITY_PLAIN);
+        status = message.decode_record(record.bytes, buffer, version);
     }
+    if (status != 0)
+        return complain(path + ": cannot decode " + type->record_name + ": " + status_line(status));
+    std::cout << kelmasn_tool::record_to_json(*type, record.bytes).dump(2) << "\n";
+    return 0;
+}
+
+int run_encode(const std::string& type_name, const std::string& path, const std::string& output,
+               bool local, int version) {
+    const kelm_record_type* type = find_type(type_name);
+    if (type == nullptr)
+        return 1;
+    std::vector<unsigned char> bytes;
+    std::string error;
+    if (!read_input(path, bytes, error))
+        return complain(error);
+    nlohmann::ordered_json document;
+    try {
+        document = nlohmann::ordered_json::parse(bytes.begin(), bytes.end());
+    } catch (const nlohmann::json::exception& e) {
+        return complain(path + ": not JSON: " + e.what());
+    }
+    RecordStorage record(*type);
+    if (record.bytes == nullptr)
+        return complain("out of memory");
+    try {
+        kelmasn_tool::record_from_json(*type, document, record.bytes);
+    } catch (const kelmasn_tool::JsonFieldError& e) {
+        return complain(path + ": " + e.what());
+    }
+    kelm_asn_buffer_t buffer{0, nullptr};
+    unsigned int status;
+    {
+        kelm_asn_record message(*type, local ? KELM_SECURITY_LOCAL_CODESET : KELM_SECURITY_PLAIN);
+        status = message.encode_record(record.bytes, buffer, version);
+    }
+    if (status != 0)
+        return complain(path + ": cannot encode " + type->record_name + ": " + status_line(status));
+    std::FILE* out = output == "-" ? stdout : std::fopen(output.c_str(), "wb");
+    if (out == nullptr) {
+        std::free(buffer.data);
+        return complain("cannot write " + output);
+    }
+    const bool written = std::fwrite(buffer.data, 1, buffer.length, out) == buffer.length;
+    const bool closed = out == stdout ? std::fflush(out) == 0 : std::fclose(out) == 0;
+    std::free(buffer.data);
+    if (!written || !closed)
+        return complain("cannot write " + output);
     return 0;
 }
 
@@ -63,8 +174,32 @@ int main(int argc, char** argv) {
     CLI::App* der = app.add_subcommand("der", "Print the BER/DER element tree of a file");
     der->add_option("FILE", der_path, "the bytes to walk; - reads standard input")->required();
 
+    CLI::App* types = app.add_subcommand("types", "List the record types");
+
+    std::string type_name, input, output = "-";
+    bool local = false;
+    int version = 2;
+    CLI::App* decode = app.add_subcommand("decode", "Print an encoded record as JSON");
+    decode->add_option("TYPE", type_name, "record type, e.g. attrlist_s_t")->required();
+    decode->add_option("FILE", input, "the encoded buffer; - reads standard input")->required();
+    decode->add_flag("--lcs", local, "texts to the local code set, as the LCS entry points do");
+    decode->add_option("--version", version, "the header's version byte (default 2)");
+
+    CLI::App* encode = app.add_subcommand("encode", "Encode a record given as JSON");
+    encode->add_option("TYPE", type_name, "record type, e.g. attrlist_s_t")->required();
+    encode->add_option("FILE", input, "the record as JSON; - reads standard input")->required();
+    encode->add_option("-o,--output", output, "where the buffer goes (default standard output)");
+    encode->add_flag("--lcs", local, "texts from the local code set, as the LCS entry points do");
+    encode->add_option("--version", version, "the header's version byte (default 2)");
+
     CLI11_PARSE(app, argc, argv);
     if (der->parsed())
         return run_der(der_path);
+    if (types->parsed())
+        return run_types();
+    if (decode->parsed())
+        return run_decode(type_name, input, local, version);
+    if (encode->parsed())
+        return run_encode(type_name, input, output, local, version);
     return 2;
 }

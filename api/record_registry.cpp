@@ -1,0 +1,45 @@
+// The table of record types, in the order of their families.
+#include "asn_record_registry.h"
+
+#include <cstring>
+#include <string>
+
+#include "attrlist_asn.h"
+
+namespace {
+
+const kelm_record_type* const kTypes[] = {
+    &kelm_uuid_type,
+    &kelm_attrlist_type,
+    &kelm_attr_type,
+    &kelm_value_type,
+};
+
+// The short name: the class name without "asn_" and, when present, without a final "_t".
+std::string short_name(const char* class_name) {
+    std::string name(class_name);
+    if (name.rfind("asn_", 0) == 0)
+        name.erase(0, 4);
+    return name;
+}
+
+} // namespace
+
+const kelm_record_type* const* kelm_record_types(unsigned int& count) {
+    count = sizeof kTypes / sizeof kTypes[0];
+    return kTypes;
+}
+
+const kelm_record_type* kelm_record_type_named(const char* name) {
+    if (name == nullptr)
+        return nullptr;
+    for (const kelm_record_type* type : kTypes) {
+        const std::string brief = short_name(type->class_name);
+        if (std::strcmp(name, type->record_name) == 0 || std::strcmp(name, type->class_name) == 0 ||
+            name == brief ||
+            (brief.size() > 2 && brief.compare(brief.size() - 2, 2, "_t") == 0 &&
+             name == brief.substr(0, brief.size() - 2)))
+            return type;
+    }
+    return nullptr;
+}

@@ -1,0 +1,553 @@
+// The one mechanism behind every message class: elements built from a record type's table,
+// records copied into them and out of them, and records freed.
+#include "asn_record.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+using kind = kelm_field_kind;
+
+constexpr size_t kAlign = alignof(std::max_align_t);
+
+size_t aligned(size_t n) {
+    return (n + kAlign - 1) & ~(kAlign - 1);
+}
+
+using text_list_t = kelm_asn_sequenceof<kelmasnUTF8String>;
+using integer_list_t = kelm_asn_sequenceof<kelmasn_integer>;
+
+// The size of the element object of a field.
+size_t element_size(const kelm_record_field& f) {
+    switch (f.kind) {
+    case kind::integer:
+    case kind::unsigned_integer:
+    case kind::unsigned16:
+    case kind::unsigned8:
+        return sizeof(kelmasn_integer);
+    case kind::text:
+        return sizeof(kelmasnUTF8String);
+    case kind::octet_text:
+    case kind::bytes:
+    case kind::fixed_bytes:
+        return sizeof(kelmasn_octetstring);
+    case kind::record:
+    case kind::optional_record:
+        return f.type->ops->object_size;
+    case kind::record_list:
+    case kind::record_list16:
+    case kind::record_pointer_list:
+        return f.type->ops->list_size;
+    case kind::text_list:
+        return sizeof(text_list_t);
+    case kind::integer_list:
+        return sizeof(integer_list_t);
+    case kind::slots:
+        return f.type->ops->slots_size;
+    }
+    return 0;
+}
+
+// Builds the element object of a field in place, with plain security: the record's own mode
+// reaches it through registration.
+kelm_asn_object* create_element(const kelm_record_field& f, void* where) {
+    const security_t plain = KELM_SECURITY_PLAIN;
+    switch (f.kind) {
+    case kind::integer:
+    case kind::unsigned_integer:
+    case kind::unsigned16:
+    case kind::unsigned8:
+        return new (where) kelmasn_integer(plain);
+    case kind::text:
+        return new (where) kelmasnUTF8String(plain);
+    case kind::octet_text:
+    case kind::bytes:
+    case kind::fixed_bytes:
+        return new (where) kelmasn_octetstring(plain);
+    case kind::record:
+        return f.type->ops->create(where, plain);
+    case kind::optional_record: {
+        kelm_asn_object* nested = f.type->ops->create(where, plain);
+        nested->set_optional(1);
+        return nested;
+    }
+    case kind::record_list:
+    case kind::record_list16:
+    case kind::record_pointer_list:
+        return f.type->ops->create_list(where, plain);
+    case kind::text_list:
+        return new (where) text_list_t(plain);
+    case kind::integer_list:
+        return new (where) integer_list_t(plain);
+    case kind::slots:
+        return f.type->ops->create_slots(where, plain);
+    }
+    return nullptr;
+}
+
+// Typed access to the bytes of a record.
+template <class T> T read_field(const void* record, unsigned int offset) {
+    T value;
+    std::memcpy(&value, static_cast<const unsigned char*>(record) + offset, sizeof value);
+    return value;
+}
+
+template <class T> void write_field(void* record, unsigned int offset, T value) {
+    std::memcpy(static_cast<unsigned char*>(record) + offset, &value, sizeof value);
+}
+
+unsigned char* field_address(void* record, unsigned int offset) {
+    return static_cast<unsigned char*>(record) + offset;
+}
+
+const unsigned char* field_address(const void* record, unsigned int offset) {
+    return static_cast<const unsigned char*>(record) + offset;
+}
+
+// The count of a list field (16-bit for record_list16).
+unsigned int read_count(const kelm_record_field& f, const void* record) {
+    return f.kind == kind::record_list16 ? read_field<uint16_t>(record, f.aux)
+                                         : read_field<uint32_t>(record, f.aux);
+}
+
+void write_count(const kelm_record_field& f, void* record, unsigned int count) {
+    if (f.kind == kind::record_list16)
+        write_field<uint16_t>(record, f.aux, static_cast<uint16_t>(count));
+    else
+        write_field<uint32_t>(record, f.aux, count);
+}
+
+} // namespace
+
+kelm_asn_record::kelm_asn_record(const kelm_record_type& type, security_t sec)
+    : kelm_asnbase(sec), type_(type), arena_(nullptr), constructed_(0) {
+    const char* name = type.class_name;
+    set_type_name(std::strncmp(name, "asn_", 4) == 0 ? name + 4 : name);
+    try {
+        build_elements();
+    } catch (...) {
+        destroy_elements();
+        throw;
+    }
+}
+
+kelm_asn_record::~kelm_asn_record() {
+    destroy_elements();
+}
+
+void kelm_asn_record::build_elements() {
+    size_t total = 0;
+    for (unsigned int i = 0; i < type_.field_count; ++i)
+        total += aligned(element_size(type_.fields[i]));
+    if (total == 0)
+        return;
+    arena_ = static_cast<unsigned char*>(std::malloc(total));
+    if (arena_ == nullptr)
+        throw_memory_error("ASN: Out of memory");
+    size_t at = 0;
+    for (unsigned int i = 0; i < type_.field_count; ++i) {
+        const kelm_record_field& f = type_.fields[i];
+        kelm_asn_object* element = create_element(f, arena_ + at);
+        ++constructed_;
+        register_child(element);
+        at += aligned(element_size(f));
+    }
+}
+
+void kelm_asn_record::destroy_elements() {
+    // In reverse order of construction; the child registry only keeps pointers.
+    for (unsigned int i = constructed_; i-- > 0;) {
+        kelm_asn_object* element = get_child(i);
+        if (element != nullptr)
+            element->~kelm_asn_object();
+    }
+    constructed_ = 0;
+    std::free(arena_);
+    arena_ = nullptr;
+}
+
+int kelm_asn_record::set_secure(security_t sec) {
+    kelm_asnbase::set_secure(sec);
+    for (unsigned int i = 0; i < constructed_; ++i)
+        get_child(i)->set_secure(sec);
+    return 0;
+}
+
+void kelm_asn_record::throw_memory_error(const char* message) const {
+    throw kelm_asn_memexception(type_.source, type_.source_line, message);
+}
+
+unsigned int kelm_asn_record::set_record(const void* record) {
+    for (unsigned int i = 0; i < type_.field_count; ++i) {
+        const kelm_record_field& f = type_.fields[i];
+        kelm_asn_object* element = get_child(i);
+        switch (f.kind) {
+        case kind::integer:
+        case kind::unsigned_integer:
+            static_cast<kelmasn_integer*>(element)->set_value(
+                read_field<int32_t>(record, f.offset));
+            break;
+        case kind::unsigned16:
+            static_cast<kelmasn_integer*>(element)->set_value(
+                read_field<uint16_t>(record, f.offset));
+            break;
+        case kind::unsigned8:
+            static_cast<kelmasn_integer*>(element)->set_value(
+                read_field<uint8_t>(record, f.offset));
+            break;
+        case kind::text:
+            static_cast<kelmasnUTF8String*>(element)->set_value(
+                read_field<char*>(record, f.offset));
+            break;
+        case kind::octet_text:
+            kelm_set_strvalue(*static_cast<kelmasn_octetstring*>(element),
+                              read_field<const char*>(record, f.offset));
+            break;
+        case kind::bytes: {
+            const unsigned char* data = read_field<const unsigned char*>(record, f.offset);
+            const uint32_t length = data != nullptr ? read_field<uint32_t>(record, f.aux) : 0;
+            static_cast<kelmasn_octetstring*>(element)->kelm_asn_octetstring::set_value(data,
+                                                                                        length);
+            break;
+        }
+        case kind::fixed_bytes:
+            static_cast<kelmasn_octetstring*>(element)->kelm_asn_octetstring::set_value(
+                field_address(record, f.offset), f.size);
+            break;
+        case kind::record:
+            static_cast<kelm_asn_record*>(element)->set_record(field_address(record, f.offset));
+            break;
+        case kind::optional_record: {
+            const void* nested = read_field<const void*>(record, f.offset);
+            if (nested != nullptr)
+                static_cast<kelm_asn_record*>(element)->set_record(nested);
+            break;
+        }
+        case kind::record_list:
+        case kind::record_list16: {
+            const unsigned char* array = read_field<const unsigned char*>(record, f.offset);
+            const unsigned int count = array != nullptr ? read_count(f, record) : 0;
+            auto* list = static_cast<kelm_asn_composite*>(element);
+            for (unsigned int k = 0; k < count; ++k) {
+                kelm_asn_record* entry = f.type->ops->add_to_list(*list);
+                if (entry == nullptr)
+                    throw_memory_error("ASN: Memory error");
+                entry->set_record(array + static_cast<size_t>(k) * f.type->record_size);
+            }
+            break;
+        }
+        case kind::record_pointer_list: {
+            void* const* array = read_field<void* const*>(record, f.offset);
+            const unsigned int count = array != nullptr ? read_count(f, record) : 0;
+            auto* list = static_cast<kelm_asn_composite*>(element);
+            for (unsigned int k = 0; k < count; ++k) {
+                kelm_asn_record* entry = f.type->ops->add_to_list(*list);
+                if (entry == nullptr)
+                    throw_memory_error("ASN: Memory error");
+                // A null entry is written as a record of zeros.
+                if (array[k] != nullptr) {
+                    entry->set_record(array[k]);
+                } else {
+                    void* zeros = std::calloc(1, f.type->record_size);
+                    if (zeros == nullptr)
+                        throw_memory_error("ASN: Memory error");
+                    try {
+                        entry->set_record(zeros);
+                    } catch (...) {
+                        std::free(zeros);
+                        throw;
+                    }
+                    std::free(zeros);
+                }
+            }
+            break;
+        }
+        case kind::text_list: {
+            char* const* array = read_field<char* const*>(record, f.offset);
+            const unsigned int count = array != nullptr ? read_count(f, record) : 0;
+            auto* list = static_cast<text_list_t*>(element);
+            for (unsigned int k = 0; k < count; ++k) {
+                kelmasnUTF8String* entry = list->add_child();
+                if (entry == nullptr)
+                    throw_memory_error("ASN: Memory error");
+                entry->set_value(array[k]);
+            }
+            break;
+        }
+        case kind::integer_list: {
+            const uint32_t* array = read_field<const uint32_t*>(record, f.offset);
+            const unsigned int count = array != nullptr ? read_count(f, record) : 0;
+            auto* list = static_cast<integer_list_t*>(element);
+            for (unsigned int k = 0; k < count; ++k) {
+                kelmasn_integer* entry = list->add_child();
+                if (entry == nullptr)
+                    throw_memory_error("ASN: Memory error");
+                entry->set_value(static_cast<int>(array[k]));
+            }
+            break;
+        }
+        case kind::slots: {
+            void* const* slots = reinterpret_cast<void* const*>(field_address(record, f.offset));
+            auto* array = static_cast<kelm_asn_composite*>(element);
+            for (unsigned int k = 0; k < f.size; ++k) {
+                const void* slot = read_field<const void*>(slots, k * sizeof(void*));
+                if (slot == nullptr)
+                    continue;
+                kelm_asn_record* entry = f.type->ops->fill_slot(*array, k);
+                if (entry == nullptr)
+                    throw_memory_error("ASN: Memory error");
+                entry->set_record(slot);
+            }
+            break;
+        }
+        }
+    }
+    return KELM_ASN_OK;
+}
+
+unsigned int kelm_asn_record::get_record(void* record) const {
+    if (type_.clear != nullptr)
+        type_.clear(record);
+    else if (!(type_.flags & KELM_RECORD_KEEPS_RECORD))
+        std::memset(record, 0, type_.record_size);
+    for (unsigned int i = 0; i < type_.field_count; ++i) {
+        const kelm_record_field& f = type_.fields[i];
+        const kelm_asn_object* element = get_child(i);
+        switch (f.kind) {
+        case kind::integer: {
+            int value = 0;
+            static_cast<const kelmasn_integer*>(element)->get_value(value);
+            write_field<int32_t>(record, f.offset, value);
+            break;
+        }
+        case kind::unsigned_integer: {
+            unsigned int value = 0;
+            static_cast<const kelmasn_integer*>(element)->get_value(value);
+            write_field<uint32_t>(record, f.offset, value);
+            break;
+        }
+        case kind::unsigned16: {
+            unsigned short value = 0;
+            static_cast<const kelmasn_integer*>(element)->get_value(value);
+            write_field<uint16_t>(record, f.offset, value);
+            break;
+        }
+        case kind::unsigned8: {
+            unsigned char value = 0;
+            static_cast<const kelmasn_integer*>(element)->get_value(value);
+            write_field<uint8_t>(record, f.offset, value);
+            break;
+        }
+        case kind::text: {
+            char* text = nullptr;
+            const unsigned int status =
+                static_cast<const kelmasnUTF8String*>(element)->get_value(text);
+            write_field<char*>(record, f.offset, text);
+            if (status != KELM_ASN_OK)
+                return status;
+            break;
+        }
+        case kind::octet_text: {
+            char* text = nullptr;
+            kelm_get_strvalue(*static_cast<const kelmasn_octetstring*>(element), text);
+            write_field<char*>(record, f.offset, text);
+            break;
+        }
+        case kind::bytes: {
+            unsigned char* data = nullptr;
+            unsigned int length = 0;
+            static_cast<const kelmasn_octetstring*>(element)->get_value(data, length);
+            write_field<unsigned char*>(record, f.offset, data);
+            write_field<uint32_t>(record, f.aux, length);
+            break;
+        }
+        case kind::fixed_bytes:
+            static_cast<const kelmasn_octetstring*>(element)->get_value(
+                f.size, field_address(record, f.offset));
+            break;
+        case kind::record: {
+            const unsigned int status = static_cast<const kelm_asn_record*>(element)->get_record(
+                field_address(record, f.offset));
+            if (status != KELM_ASN_OK)
+                return status;
+            break;
+        }
+        case kind::optional_record: {
+            if (!element->is_present())
+                break;
+            void* nested = std::malloc(f.type->record_size);
+            if (nested == nullptr)
+                throw_memory_error("ASN: Out of memory");
+            write_field<void*>(record, f.offset, nested);
+            const unsigned int status =
+                static_cast<const kelm_asn_record*>(element)->get_record(nested);
+            if (status != KELM_ASN_OK)
+                return status;
+            break;
+        }
+        case kind::record_list:
+        case kind::record_list16:
+        case kind::record_pointer_list:
+        case kind::text_list:
+        case kind::integer_list: {
+            const auto* list = static_cast<const kelm_asn_composite*>(element);
+            const unsigned int children = list->get_child_count();
+            if (children == 0)
+                break;
+            const bool records = f.kind == kind::record_list || f.kind == kind::record_list16;
+            const size_t entry_size = records                        ? f.type->record_size
+                                      : f.kind == kind::integer_list ? sizeof(uint32_t)
+                                                                     : sizeof(void*);
+            unsigned char* array = static_cast<unsigned char*>(std::calloc(children, entry_size));
+            if (array == nullptr)
+                throw_memory_error("ASN: Memory error");
+            write_field<unsigned char*>(record, f.offset, array);
+            for (unsigned int k = 0; k < children; ++k) {
+                const kelm_asn_object* child = list->get_child(k);
+                if (child == nullptr)
+                    throw_memory_error("ASN: Memory error");
+                unsigned char* entry = array + k * entry_size;
+                unsigned int status = KELM_ASN_OK;
+                if (records) {
+                    status = static_cast<const kelm_asn_record*>(child)->get_record(entry);
+                } else if (f.kind == kind::record_pointer_list) {
+                    void* nested = std::calloc(1, f.type->record_size);
+                    if (nested == nullptr)
+                        throw_memory_error("ASN: Memory error");
+                    write_field<void*>(entry, 0, nested);
+                    status = static_cast<const kelm_asn_record*>(child)->get_record(nested);
+                } else if (f.kind == kind::text_list) {
+                    char* text = nullptr;
+                    status = static_cast<const kelmasnUTF8String*>(child)->get_value(text);
+                    write_field<char*>(entry, 0, text);
+                } else {
+                    unsigned int value = 0;
+                    static_cast<const kelmasn_integer*>(child)->get_value(value);
+                    write_field<uint32_t>(entry, 0, value);
+                }
+                write_count(f, record, k + 1);
+                if (status != KELM_ASN_OK)
+                    return status;
+            }
+            break;
+        }
+        case kind::slots: {
+            const auto* array = static_cast<const kelm_asn_composite*>(element);
+            unsigned char* slots = field_address(record, f.offset);
+            for (unsigned int k = 0; k < f.size; ++k) {
+                kelm_asn_record* entry = f.type->ops->slot_value(*array, k);
+                if (entry == nullptr)
+                    continue;
+                void* nested = std::calloc(1, f.type->record_size);
+                if (nested == nullptr)
+                    throw_memory_error("ASN: Memory error");
+                write_field<void*>(slots, k * sizeof(void*), nested);
+                const unsigned int status = entry->get_record(nested);
+                if (status != KELM_ASN_OK)
+                    return status;
+            }
+            break;
+        }
+        }
+    }
+    return KELM_ASN_OK;
+}
+
+void kelm_asn_record::free_record(const kelm_record_type& type, void* record) {
+    for (unsigned int i = 0; i < type.field_count; ++i) {
+        const kelm_record_field& f = type.fields[i];
+        switch (f.kind) {
+        case kind::integer:
+        case kind::unsigned_integer:
+        case kind::unsigned16:
+        case kind::unsigned8:
+        case kind::fixed_bytes:
+            break;
+        case kind::text:
+        case kind::octet_text:
+        case kind::bytes:
+            std::free(read_field<void*>(record, f.offset));
+            break;
+        case kind::record:
+            free_record(*f.type, field_address(record, f.offset));
+            break;
+        case kind::optional_record: {
+            void* nested = read_field<void*>(record, f.offset);
+            if (nested != nullptr) {
+                free_record(*f.type, nested);
+                std::free(nested);
+            }
+            break;
+        }
+        case kind::record_list:
+        case kind::record_list16: {
+            unsigned char* array = read_field<unsigned char*>(record, f.offset);
+            const unsigned int count = array != nullptr ? read_count(f, record) : 0;
+            for (unsigned int k = 0; k < count; ++k)
+                free_record(*f.type, array + static_cast<size_t>(k) * f.type->record_size);
+            std::free(array);
+            break;
+        }
+        case kind::record_pointer_list: {
+            void** array = read_field<void**>(record, f.offset);
+            const unsigned int count = array != nullptr ? read_count(f, record) : 0;
+            for (unsigned int k = 0; k < count; ++k) {
+                if (array[k] != nullptr) {
+                    free_record(*f.type, array[k]);
+                    std::free(array[k]);
+                }
+            }
+            std::free(array);
+            break;
+        }
+        case kind::text_list: {
+            char** array = read_field<char**>(record, f.offset);
+            if (array != nullptr)
+                kelm_free_strings(static_cast<int>(read_count(f, record)), array);
+            break;
+        }
+        case kind::integer_list:
+            std::free(read_field<void*>(record, f.offset));
+            break;
+        case kind::slots: {
+            unsigned char* slots = field_address(record, f.offset);
+            for (unsigned int k = 0; k < f.size; ++k) {
+                void* nested = read_field<void*>(slots, k * sizeof(void*));
+                if (nested != nullptr) {
+                    free_record(*f.type, nested);
+                    std::free(nested);
+                }
+            }
+            break;
+        }
+        }
+    }
+}
+
+unsigned int kelm_asn_record::encode_record(const void* record, kelm_asn_buffer_t& out,
+                                            int version) {
+    try {
+        const unsigned int status = set_record(record);
+        if (status != KELM_ASN_OK)
+            return status;
+        return saveEncoding(*this, version, out);
+    } catch (const kelm_asn_exception& e) {
+        kelm_asn_report_exception(e);
+        return e.status;
+    }
+}
+
+unsigned int kelm_asn_record::decode_record(void* record, const kelm_asn_buffer_t& in,
+                                            int version) {
+    try {
+        const unsigned int status = loadObject(*this, version, in);
+        if (status != KELM_ASN_OK)
+            return status;
+        return get_record(record);
+    } catch (const kelm_asn_exception& e) {
+        kelm_asn_report_exception(e);
+        return e.status;
+    }
+}

@@ -1,0 +1,177 @@
+// Message classes declared once as tables of fields.
+//
+// Every record type of the product is a SEQUENCE whose elements map one to one onto the fields
+// of a plain C record. A type is declared by a kelm_record_type: its name, the record's size and
+// a table of kelm_record_field entries in encoding order (kind, record offsets, nested type).
+// One mechanism, kelm_asn_record, builds the element objects from that table and serves
+// encoding, decoding and freeing; the kelmasn tool maps the same tables to JSON. A type's quirk
+// is a flag or a small hook of its table.
+//
+// Ownership: records filled by get_record own every string and array they point at, allocated
+// with malloc/calloc; free_record releases them (not the record itself) and resets nothing.
+#ifndef KELM_ASN_RECORD_H
+#define KELM_ASN_RECORD_H
+
+#include <cstddef>
+#include <new>
+
+#include "asn_lists.h"
+#include "asn_utf8string.h"
+#include "asnutils.h"
+
+class kelm_asn_record;
+struct kelm_record_type;
+
+// How a record field crosses between the record and its element.
+enum class kelm_field_kind : unsigned char {
+    integer,             // int32_t; INTEGER
+    unsigned_integer,    // uint32_t; written as signed, read back with its bit pattern unchanged
+    unsigned16,          // uint16_t; INTEGER, read back cut to 16 bits
+    unsigned8,           // uint8_t; INTEGER, read back cut to 8 bits
+    text,                // char*; UTF8String (converted in the local-code-set mode)
+    octet_text,          // char*; OCTET STRING holding the string and its NUL
+    bytes,               // uint32_t length at `aux`, unsigned char* at `offset`; OCTET STRING
+    fixed_bytes,         // `size` inline bytes, written in full and read back as exactly `size`
+    record,              // inline nested record of `type`
+    optional_record,     // pointer to a `type` record, NULL when absent
+    record_list,         // uint32_t count at `aux`, pointer to an array of `type` records
+    record_list16,       // as record_list with a uint16_t count that wraps
+    record_pointer_list, // uint32_t count at `aux`, array of pointers to separate records
+    text_list,           // uint32_t count at `aux`, char** array
+    integer_list,        // uint32_t count at `aux`, uint32_t* array
+    slots,               // `size` pointers to `type` records, NULL marking an empty slot
+};
+
+struct kelm_record_field {
+    kelm_field_kind kind;
+    const char* name;             // the record field's name
+    unsigned int offset;          // the value, pointer, inline record or slot array
+    unsigned int aux;             // the count or length of lists and byte arrays
+    unsigned int size;            // bytes of a fixed array, or slots of a slot array
+    const kelm_record_type* type; // element type of nested records, lists and slots
+};
+
+// What a nested or listed record type needs from its C++ class; made by kelm_record_ops_for.
+struct kelm_record_ops {
+    kelm_asn_record* (*create)(void* where, security_t sec);
+    size_t object_size;
+    kelm_asn_composite* (*create_list)(void* where, security_t sec);
+    size_t list_size;
+    kelm_asn_record* (*add_to_list)(kelm_asn_composite& list);
+    kelm_asn_composite* (*create_slots)(void* where, security_t sec);
+    size_t slots_size;
+    kelm_asn_record* (*fill_slot)(kelm_asn_composite& slots, unsigned int index);
+    kelm_asn_record* (*slot_value)(const kelm_asn_composite& slots, unsigned int index);
+};
+
+// Flags of a record type.
+enum : unsigned int {
+    // get_record does not clear the record before filling it.
+    KELM_RECORD_KEEPS_RECORD = 1,
+};
+
+struct kelm_record_type {
+    const char* class_name;  // "asn_attr_t"; its stored type name drops "asn_" (16 characters)
+    const char* record_name; // "attr_s_t"
+    size_t record_size;
+    const kelm_record_field* fields;
+    unsigned int field_count;
+    const kelm_record_ops* ops;
+    const char* source; // source file named by this type's memory exceptions
+    int source_line;    // and the line
+    unsigned int flags;
+    // Clears the record before get_record fills it, for a type that clears only some fields;
+    // null for the ordinary whole-record clear.
+    void (*clear)(void* record);
+};
+
+// The message class of a record type: a SEQUENCE whose elements the type's table describes.
+class KELM_API kelm_asn_record : public kelm_asnbase {
+  public:
+    kelm_asn_record(const kelm_record_type& type, security_t sec);
+    ~kelm_asn_record() override;
+
+    // The mode reaches every element, also those of nested records, so that texts anywhere in the
+    // record convert in the local-code-set mode and every buffer wipes in the secure mode.
+    int set_secure(security_t sec) override;
+
+    const kelm_record_type& record_type() const { return type_; }
+    // The element of field `index`, in table order.
+    kelm_asn_object* element(unsigned int index) const { return get_child(index); }
+
+    // Record to elements. Returns 0; exhausted memory is thrown.
+    unsigned int set_record(const void* record);
+    // Elements to record (cleared first). Returns 0 or the status of a text conversion;
+    // exhausted memory is thrown, leaving the record partly filled but consistent.
+    unsigned int get_record(void* record) const;
+    // Releases what get_record allocated in `record`.
+    static void free_record(const kelm_record_type& type, void* record);
+
+    // set_record and the header and encoding into `out`; exceptions of the runtime's family are
+    // reported on stderr and returned as their status.
+    unsigned int encode_record(const void* record, kelm_asn_buffer_t& out, int version);
+    // The header check and decoding, then get_record; exceptions as for encode_record.
+    unsigned int decode_record(void* record, const kelm_asn_buffer_t& in, int version);
+
+  private:
+    void build_elements();
+    void destroy_elements();
+    [[noreturn]] void throw_memory_error(const char* message) const;
+
+    const kelm_record_type& type_;
+    unsigned char* arena_;     // every element object, built in place
+    unsigned int constructed_; // elements built so far
+};
+
+// The typed message class of record type `Record`, described by `Type`.
+template <class Record, const kelm_record_type& Type>
+class kelm_asn_message : public kelm_asn_record {
+  public:
+    explicit kelm_asn_message(security_t sec = KELM_SECURITY_PLAIN) : kelm_asn_record(Type, sec) {}
+
+    unsigned int set_value(Record& record) { return set_record(&record); }
+    unsigned int get_value(Record& record) const { return get_record(&record); }
+    unsigned int encode_obj(Record& record, kelm_asn_buffer_t& out, int version) {
+        return encode_record(&record, out, version);
+    }
+    unsigned int decode_obj(Record& record, kelm_asn_buffer_t& in, int version) {
+        return decode_record(&record, in, version);
+    }
+    static void free_obj(Record& record) { free_record(Type, &record); }
+};
+
+namespace kelm_record_internal {
+
+template <class T> kelm_asn_record* create(void* where, security_t sec) {
+    return new (where) T(sec);
+}
+template <class T> kelm_asn_composite* create_list(void* where, security_t sec) {
+    return new (where) kelm_asn_sequenceof<T>(sec);
+}
+template <class T> kelm_asn_record* add_to_list(kelm_asn_composite& list) {
+    return static_cast<kelm_asn_sequenceof<T>&>(list).add_child();
+}
+template <class T> kelm_asn_composite* create_slots(void* where, security_t sec) {
+    return new (where) kelm_asn_arrayof<T>(sec);
+}
+template <class T> kelm_asn_record* fill_slot(kelm_asn_composite& slots, unsigned int index) {
+    return static_cast<kelm_asn_arrayof<T>&>(slots).fill_slot(index);
+}
+template <class T>
+kelm_asn_record* slot_value(const kelm_asn_composite& slots, unsigned int index) {
+    return static_cast<const kelm_asn_arrayof<T>&>(slots).slot_value(index);
+}
+
+} // namespace kelm_record_internal
+
+// The operations of message class T, for the tables of the types that nest it.
+template <class T>
+inline constexpr kelm_record_ops kelm_record_ops_for = {
+    kelm_record_internal::create<T>,      sizeof(T),
+    kelm_record_internal::create_list<T>, sizeof(kelm_asn_sequenceof<T>),
+    kelm_record_internal::add_to_list<T>, kelm_record_internal::create_slots<T>,
+    sizeof(kelm_asn_arrayof<T>),          kelm_record_internal::fill_slot<T>,
+    kelm_record_internal::slot_value<T>,
+};
+
+#endif

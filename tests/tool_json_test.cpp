@@ -1,0 +1,134 @@
+// The kelmasn tool's types, encode and decode subcommands.
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+namespace {
+
+struct ToolRun {
+    int exit_code;
+    std::string out;
+    std::string err;
+};
+
+std::string read_file(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+std::string temp_path(const std::string& name) {
+    const char* dir = std::getenv("TMPDIR");
+    return std::string(dir ? dir : "/tmp") + "/kelmasn_json_test_" + std::to_string(getpid()) +
+           "_" + name;
+}
+
+void write_file(const std::string& path, const std::string& text) {
+    std::ofstream out(path, std::ios::binary);
+    out << text;
+}
+
+ToolRun run_tool(const std::string& args) {
+    const std::string out_path = temp_path("stdout");
+    const std::string err_path = temp_path("stderr");
+    const std::string command =
+        std::string("ASAN_OPTIONS=${ASAN_OPTIONS:+$ASAN_OPTIONS:}exitcode=86 "
+                    "UBSAN_OPTIONS=${UBSAN_OPTIONS:+$UBSAN_OPTIONS:}exitcode=86 '") +
+        KELMASN_TOOL + "' " + args + " >'" + out_path + "' 2>'" + err_path + "'";
+    const int status = std::system(command.c_str());
+    ToolRun run{WIFEXITED(status) ? WEXITSTATUS(status) : -1, read_file(out_path),
+                read_file(err_path)};
+    std::remove(out_path.c_str());
+    std::remove(err_path.c_str());
+    return run;
+}
+
+std::string example(const std::string& name) {
+    return std::string(KELMASN_EXAMPLES) + "/json/" + name + ".json";
+}
+
+} // namespace
+
+TEST(ToolTypes, ListsEveryRecordType) {
+    const ToolRun run = run_tool("types");
+    EXPECT_EQ(run.exit_code, 0);
+    for (const char* name : {"uuid_t", "value_s_t", "attr_s_t", "attrlist_s_t"})
+        EXPECT_NE(run.out.find(name), std::string::npos) << name;
+}
+
+TEST(ToolJson, EveryExampleRoundTripsThroughEncodeAndDecode) {
+    for (const char* type : {"uuid_t", "value_s_t", "attr_s_t", "attrlist_s_t"}) {
+        SCOPED_TRACE(type);
+        const std::string buffer = temp_path(std::string(type) + ".der");
+        const ToolRun encoded = run_tool(std::string("encode ") + type + " '" + example(type) +
+                                         "' -o '" + buffer + "'");
+        ASSERT_EQ(encoded.exit_code, 0) << encoded.err;
+        const ToolRun decoded = run_tool(std::string("decode ") + type + " '" + buffer + "'");
+        ASSERT_EQ(decoded.exit_code, 0) << decoded.err;
+        const nlohmann::json original = nlohmann::json::parse(read_file(example(type)));
+        const nlohmann::json back = nlohmann::json::parse(decoded.out);
+        EXPECT_EQ(back, original) << decoded.out;
+        const ToolRun der = run_tool("der '" + buffer + "'");
+        EXPECT_EQ(der.exit_code, 0) << der.err;
+        EXPECT_NE(der.out.find("header: length 4, version 2"), std::string::npos);
+        std::remove(buffer.c_str());
+    }
+}
+
+TEST(ToolJson, AFieldThatDoesNotFitIsNamed) {
+    struct Row {
+        const char* type;
+        const char* json;
+        const char* expected;
+    } rows[] = {
+        {"attrlist_s_t", R"({"attrs": [{"name": 5}]})", "attrs[0].name: expected a string"},
+        {"attrlist_s_t", R"({"atrs": []})", "atrs: no such field"},
+        {"uuid_t", R"({"node": "0102"})", "node: expected exactly 6 bytes"},
+        {"uuid_t", R"({"time_mid": 70000})", "time_mid: integer out of range"},
+        {"value_s_t", R"({"bin_value": "zz"})", "bin_value: not a hex digit"},
+        {"attr_s_t", R"({"values": {}})", "values: expected an array"},
+        {"attr_s_t", R"([1, 2])", "expected an object"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.json);
+        const std::string path = temp_path("bad.json");
+        write_file(path, row.json);
+        const ToolRun run =
+            run_tool(std::string("encode ") + row.type + " '" + path + "' -o /dev/null");
+        EXPECT_EQ(run.exit_code, 1);
+        EXPECT_NE(run.err.find(row.expected), std::string::npos) << run.err;
+        std::remove(path.c_str());
+    }
+}
+
+TEST(ToolJson, MalformedJsonAndUnknownTypesAreRejected) {
+    const std::string path = temp_path("broken.json");
+    write_file(path, "{\"attrs\": [");
+    ToolRun run = run_tool("encode attrlist_s_t '" + path + "' -o /dev/null");
+    EXPECT_EQ(run.exit_code, 1);
+    EXPECT_NE(run.err.find("not JSON"), std::string::npos) << run.err;
+    run = run_tool("encode no_such_type '" + path + "'");
+    EXPECT_EQ(run.exit_code, 1);
+    EXPECT_NE(run.err.find("unknown record type no_such_type"), std::string::npos) << run.err;
+    std::remove(path.c_str());
+}
+
+TEST(ToolJson, ABufferThatDoesNotDecodeGivesTheStatusAndItsMeaning) {
+    const std::string path = temp_path("garbage.der");
+    write_file(path, std::string("\x04\x02\xAC\xDC\x30\x05\x30\x00", 8));
+    ToolRun run = run_tool("decode attrlist_s_t '" + path + "'");
+    EXPECT_EQ(run.exit_code, 1);
+    EXPECT_NE(run.err.find("status 0x10652198 (input ends too early)"), std::string::npos)
+        << run.err;
+    write_file(path, "not a buffer");
+    run = run_tool("decode attrlist_s_t '" + path + "'");
+    EXPECT_EQ(run.exit_code, 1);
+    EXPECT_NE(run.err.find("status 0x10652196"), std::string::npos) << run.err;
+    std::remove(path.c_str());
+}

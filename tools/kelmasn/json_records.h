@@ -1,0 +1,33 @@
+// Records as JSON, through the same field tables that the library encodes and decodes with.
+//
+// Texts are strings (null for a null pointer), byte arrays are hex strings, lists are arrays,
+// absent optional records are null, slot arrays are arrays of their slots (null for an empty
+// slot), integers are numbers.
+#ifndef KELMASN_TOOL_JSON_RECORDS_H
+#define KELMASN_TOOL_JSON_RECORDS_H
+
+#include <stdexcept>
+#include <string>
+
+#include <nlohmann/json.hpp>
+
+#include "asn_record.h"
+
+namespace kelmasn_tool {
+
+// A JSON document that does not fit the type; what() names the field ("attrs[1].name: ...").
+class JsonFieldError : public std::runtime_error {
+  public:
+    explicit JsonFieldError(const std::string& what) : std::runtime_error(what) {}
+};
+
+nlohmann::ordered_json record_to_json(const kelm_record_type& type, const void* record);
+
+// Fills `record` (zeroed, type.record_size bytes) from `json`, allocating with malloc so that
+// kelm_asn_record::free_record releases it, also after a JsonFieldError.
+void record_from_json(const kelm_record_type& type, const nlohmann::ordered_json& json,
+                      void* record);
+
+} // namespace kelmasn_tool
+
+#endif
