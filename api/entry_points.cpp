@@ -11,53 +11,33 @@ namespace {
 // The version byte that the typed entry points write and require.
 constexpr int kTypedVersion = 2;
 
-// Builds the message class on the stack, runs one direction and destroys the object; an
-// exception of the runtime's family from any of the three steps becomes its status.
-template <class Message, class Record>
-unsigned int encode_typed(kelm_asn_buffer_t& out, Record& record, security_t mode) {
-    try {
-        Message message(mode);
-        return message.encode_obj(record, out, kTypedVersion);
-    } catch (const kelm_asn_exception& e) {
-        kelm_asn_report_exception(e);
-        return e.status;
-    }
-}
-
-template <class Message, class Record>
-unsigned int decode_typed(kelm_asn_buffer_t& in, Record& record, security_t mode) {
-    try {
-        Message message(mode);
-        return message.decode_obj(record, in, kTypedVersion);
-    } catch (const kelm_asn_exception& e) {
-        kelm_asn_report_exception(e);
-        return e.status;
-    }
-}
-
 } // namespace
 
-#define KELM_DEFINE_ENTRY_POINTS(Message, Record)                                                  \
+// Each record type's five entry points: the typed message class built on the stack with plain
+// or local-code-set mode, one direction, destroyed; the free function builds no object.
+#define KELM_DEFINE_ENTRY_POINTS(Type, Record)                                                     \
     unsigned int kelmAsnEncodeObj(kelm_asn_buffer_t& out, Record& record) {                        \
-        return encode_typed<Message>(out, record, KELM_SECURITY_PLAIN);                            \
+        return kelm_asn_record::encode(Type, &record, out, kTypedVersion, KELM_SECURITY_PLAIN);    \
     }                                                                                              \
     unsigned int kelmAsnDecodeObj(kelm_asn_buffer_t& in, Record& record) {                         \
-        return decode_typed<Message>(in, record, KELM_SECURITY_PLAIN);                             \
+        return kelm_asn_record::decode(Type, &record, in, kTypedVersion, KELM_SECURITY_PLAIN);     \
     }                                                                                              \
     unsigned int kelmAsnEncodeObjLCS(kelm_asn_buffer_t& out, Record& record) {                     \
-        return encode_typed<Message>(out, record, KELM_SECURITY_LOCAL_CODESET);                    \
+        return kelm_asn_record::encode(Type, &record, out, kTypedVersion,                          \
+                                       KELM_SECURITY_LOCAL_CODESET);                               \
     }                                                                                              \
     unsigned int kelmAsnDecodeObjLCS(kelm_asn_buffer_t& in, Record& record) {                      \
-        return decode_typed<Message>(in, record, KELM_SECURITY_LOCAL_CODESET);                     \
+        return kelm_asn_record::decode(Type, &record, in, kTypedVersion,                           \
+                                       KELM_SECURITY_LOCAL_CODESET);                               \
     }                                                                                              \
     void kelmAsnFreeObj(Record& record) {                                                          \
-        Message::free_obj(record);                                                                 \
+        kelm_asn_record::free_record(Type, &record);                                               \
     }
 
-KELM_DEFINE_ENTRY_POINTS(asn_uuid_t, uuid_t)
-KELM_DEFINE_ENTRY_POINTS(asn_value_t, value_s_t)
-KELM_DEFINE_ENTRY_POINTS(asn_attr_t, attr_s_t)
-KELM_DEFINE_ENTRY_POINTS(asn_attrlist_t, attrlist_s_t)
+KELM_DEFINE_ENTRY_POINTS(kelm_uuid_type, uuid_t)
+KELM_DEFINE_ENTRY_POINTS(kelm_value_type, value_s_t)
+KELM_DEFINE_ENTRY_POINTS(kelm_attr_type, attr_s_t)
+KELM_DEFINE_ENTRY_POINTS(kelm_attrlist_type, attrlist_s_t)
 
 unsigned int kelmasn_version(const kelm_asn_buffer_t& buffer, unsigned int& flag) {
     return kelm_asnbase::get_encoded_version(buffer, flag);

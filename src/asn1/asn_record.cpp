@@ -409,6 +409,9 @@ unsigned int kelm_asn_record::get_record(void* record) const {
                 if (child == nullptr)
                     throw_memory_error("ASN: Memory error");
                 unsigned char* entry = array + k * entry_size;
+                // Counted before it is filled: a failure part way through an entry leaves it
+                // counted, so that freeing the record releases what it holds.
+                write_count(f, record, k + 1);
                 unsigned int status = KELM_ASN_OK;
                 if (records) {
                     status = static_cast<const kelm_asn_record*>(child)->get_record(entry);
@@ -427,7 +430,6 @@ unsigned int kelm_asn_record::get_record(void* record) const {
                     static_cast<const kelmasn_integer*>(child)->get_value(value);
                     write_field<uint32_t>(entry, 0, value);
                 }
-                write_count(f, record, k + 1);
                 if (status != KELM_ASN_OK)
                     return status;
             }
@@ -546,6 +548,28 @@ unsigned int kelm_asn_record::decode_record(void* record, const kelm_asn_buffer_
         if (status != KELM_ASN_OK)
             return status;
         return get_record(record);
+    } catch (const kelm_asn_exception& e) {
+        kelm_asn_report_exception(e);
+        return e.status;
+    }
+}
+
+unsigned int kelm_asn_record::encode(const kelm_record_type& type, const void* record,
+                                     kelm_asn_buffer_t& out, int version, security_t mode) {
+    try {
+        kelm_asn_record message(type, mode);
+        return message.encode_record(record, out, version);
+    } catch (const kelm_asn_exception& e) {
+        kelm_asn_report_exception(e);
+        return e.status;
+    }
+}
+
+unsigned int kelm_asn_record::decode(const kelm_record_type& type, void* record,
+                                     const kelm_asn_buffer_t& in, int version, security_t mode) {
+    try {
+        kelm_asn_record message(type, mode);
+        return message.decode_record(record, in, version);
     } catch (const kelm_asn_exception& e) {
         kelm_asn_report_exception(e);
         return e.status;

@@ -113,6 +113,14 @@ class KELM_API kelm_asn_record : public kelm_asnbase {
     // The header check and decoding, then get_record; exceptions as for encode_record.
     unsigned int decode_record(void* record, const kelm_asn_buffer_t& in, int version);
 
+    // One whole call, as an entry point makes it: the message class of `type` built with `mode`,
+    // one direction run, the object destroyed. An exception of the runtime's family from any of
+    // these steps is reported on stderr and returned as its status.
+    static unsigned int encode(const kelm_record_type& type, const void* record,
+                               kelm_asn_buffer_t& out, int version, security_t mode);
+    static unsigned int decode(const kelm_record_type& type, void* record,
+                               const kelm_asn_buffer_t& in, int version, security_t mode);
+
   private:
     void build_elements();
     void destroy_elements();

@@ -109,11 +109,9 @@ int run_decode(const std::string& type_name, const std::string& path, bool local
     if (record.bytes == nullptr)
         return complain("out of memory");
     kelm_asn_buffer_t buffer{bytes.size(), bytes.data()};
-    unsigned int status;
-    {
-        kelm_asn_record message(*type, local ? KELM_SECURITY_LOCAL_CODESET : KELM_SECURITY_PLAIN);
-        status = message.decode_record(record.bytes, buffer, version);
-    }
+    const unsigned int status =
+        kelm_asn_record::decode(*type, record.bytes, buffer, version,
+                                local ? KELM_SECURITY_LOCAL_CODESET : KELM_SECURITY_PLAIN);
     if (status != 0)
         return complain(path + ": cannot decode " + type->record_name + ": " + status_line(status));
     std::cout << kelmasn_tool::record_to_json(*type, record.bytes).dump(2) << "\n";
@@ -144,11 +142,9 @@ int run_encode(const std::string& type_name, const std::string& path, const std:
         return complain(path + ": " + e.what());
     }
     kelm_asn_buffer_t buffer{0, nullptr};
-    unsigned int status;
-    {
-        kelm_asn_record message(*type, local ? KELM_SECURITY_LOCAL_CODESET : KELM_SECURITY_PLAIN);
-        status = message.encode_record(record.bytes, buffer, version);
-    }
+    const unsigned int status =
+        kelm_asn_record::encode(*type, record.bytes, buffer, version,
+                                local ? KELM_SECURITY_LOCAL_CODESET : KELM_SECURITY_PLAIN);
     if (status != 0)
         return complain(path + ": cannot encode " + type->record_name + ": " + status_line(status));
     std::FILE* out = output == "-" ? stdout : std::fopen(output.c_str(), "wb");
