@@ -1,38 +1,11 @@
-// The typed entry points of every record type, the header query and the buffer utilities.
+// The typed entry points of the attribute types, the header query and the buffer utilities.
 #include <cstdlib>
 #include <cstring>
 
 #include "attrlist_asn.h"
+#include "entry_points_internal.h"
 #include "kelm/attrlist.h"
 #include "kelm/kelm_entry.h"
-
-namespace {
-
-// The version byte that the typed entry points write and require.
-constexpr int kTypedVersion = 2;
-
-} // namespace
-
-// Each record type's five entry points: the typed message class built on the stack with plain
-// or local-code-set mode, one direction, destroyed; the free function builds no object.
-#define KELM_DEFINE_ENTRY_POINTS(Type, Record)                                                     \
-    unsigned int kelmAsnEncodeObj(kelm_asn_buffer_t& out, Record& record) {                        \
-        return kelm_asn_record::encode(Type, &record, out, kTypedVersion, KELM_SECURITY_PLAIN);    \
-    }                                                                                              \
-    unsigned int kelmAsnDecodeObj(kelm_asn_buffer_t& in, Record& record) {                         \
-        return kelm_asn_record::decode(Type, &record, in, kTypedVersion, KELM_SECURITY_PLAIN);     \
-    }                                                                                              \
-    unsigned int kelmAsnEncodeObjLCS(kelm_asn_buffer_t& out, Record& record) {                     \
-        return kelm_asn_record::encode(Type, &record, out, kTypedVersion,                          \
-                                       KELM_SECURITY_LOCAL_CODESET);                               \
-    }                                                                                              \
-    unsigned int kelmAsnDecodeObjLCS(kelm_asn_buffer_t& in, Record& record) {                      \
-        return kelm_asn_record::decode(Type, &record, in, kTypedVersion,                           \
-                                       KELM_SECURITY_LOCAL_CODESET);                               \
-    }                                                                                              \
-    void kelmAsnFreeObj(Record& record) {                                                          \
-        kelm_asn_record::free_record(Type, &record);                                               \
-    }
 
 KELM_DEFINE_ENTRY_POINTS(kelm_uuid_type, uuid_t)
 KELM_DEFINE_ENTRY_POINTS(kelm_value_type, value_s_t)

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include "asn_record_registry.h"
+
 namespace {
 
 // The demangled names of the defined dynamic symbols of the shared library.
@@ -191,6 +193,23 @@ TEST(DynamicSymbols, TheEntryPointsOfTheRecordTypesAreExported) {
     const std::set<std::string> names = exported_names();
     ASSERT_FALSE(names.empty());
     expect_all_exported(names, std::begin(kEntryPoints), std::end(kEntryPoints));
+}
+
+TEST(DynamicSymbols, EveryKnownRecordTypeHasItsFiveEntryPoints) {
+    const std::set<std::string> names = exported_names();
+    ASSERT_FALSE(names.empty());
+    unsigned int count = 0;
+    const kelm_record_type* const* types = kelm_record_types(count);
+    ASSERT_GE(count, 4u);
+    for (unsigned int i = 0; i < count; ++i) {
+        const std::string record = types[i]->record_name;
+        for (const char* direction : {"Encode", "Decode"})
+            for (const char* variant : {"", "LCS"})
+                EXPECT_TRUE(names.count(std::string("kelmAsn") + direction + "Obj" + variant +
+                                        "(kelm_asn_buffer_t&, " + record + "&)"))
+                    << "kelmAsn" << direction << "Obj" << variant << " of " << record;
+        EXPECT_TRUE(names.count("kelmAsnFreeObj(" + record + "&)")) << record;
+    }
 }
 
 TEST(DynamicSymbols, InternalHelpersStayHidden) {

@@ -1,5 +1,9 @@
 // The kelmasn tool's types, encode and decode subcommands.
+#include <dirent.h>
 #include <sys/wait.h>
+
+#include <algorithm>
+#include <vector>
 
 #include <cstdio>
 #include <cstdlib>
@@ -62,8 +66,46 @@ TEST(ToolTypes, ListsEveryRecordType) {
         EXPECT_NE(run.out.find(name), std::string::npos) << name;
 }
 
+// The record types that have an example in examples/json/ (named after the record type).
+std::vector<std::string> example_types() {
+    std::vector<std::string> types;
+    const std::string dir = std::string(KELMASN_EXAMPLES) + "/json";
+    if (DIR* listing = opendir(dir.c_str())) {
+        while (const dirent* entry = readdir(listing)) {
+            const std::string name = entry->d_name;
+            if (name.size() > 5 && name.compare(name.size() - 5, 5, ".json") == 0)
+                types.push_back(name.substr(0, name.size() - 5));
+        }
+        closedir(listing);
+    }
+    std::sort(types.begin(), types.end());
+    return types;
+}
+
+TEST(ToolJson, EveryRecordTypeHasAJsonExample) {
+    const std::vector<std::string> examples = example_types();
+    const ToolRun run = run_tool("types");
+    ASSERT_EQ(run.exit_code, 0);
+    size_t listed = 0;
+    for (size_t at = 0; at < run.out.size();) {
+        const size_t end = run.out.find('\n', at);
+        const std::string line = run.out.substr(at, end - at);
+        const std::string record = line.substr(0, line.find(' '));
+        if (!record.empty()) {
+            ++listed;
+            EXPECT_TRUE(std::find(examples.begin(), examples.end(), record) != examples.end())
+                << "no examples/json/" << record << ".json";
+        }
+        at = end == std::string::npos ? run.out.size() : end + 1;
+    }
+    EXPECT_GE(listed, 4u);
+}
+
 TEST(ToolJson, EveryExampleRoundTripsThroughEncodeAndDecode) {
-    for (const char* type : {"uuid_t", "value_s_t", "attr_s_t", "attrlist_s_t"}) {
+    const std::vector<std::string> types = example_types();
+    ASSERT_GE(types.size(), 4u);
+    for (const std::string& type_name : types) {
+        const char* type = type_name.c_str();
         SCOPED_TRACE(type);
         const std::string buffer = temp_path(std::string(type) + ".der");
         const ToolRun encoded = run_tool(std::string("encode ") + type + " '" + example(type) +
