@@ -11,6 +11,7 @@
 
 #include "der_inspect_properties.h"
 #include "der_walk_properties.h"
+#include "record_properties.h"
 
 namespace {
 
@@ -62,4 +63,8 @@ TEST(FuzzCorpus, EverySeedKeepsTheInspectionProperties) {
 
 TEST(FuzzCorpus, EverySeedKeepsTheWalkProperties) {
     replay(kFuzzDir / "corpus" / "fuzz_der_walk", kelmasn_fuzz::check_der_walk);
+}
+
+TEST(FuzzCorpus, EverySeedKeepsTheRecordProperties) {
+    replay(kFuzzDir / "corpus" / "fuzz_records", kelmasn_fuzz::check_record_decoding);
 }
