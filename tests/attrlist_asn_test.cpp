@@ -10,6 +10,7 @@
 #include "alloc_failure.h"
 #include "kelm/kelmasn.h"
 #include "record_test_util.h"
+#include "test_locale.h"
 
 using kelm_test::bytes_of;
 using kelm_test::dup_text;
@@ -425,4 +426,62 @@ TEST(AttrListConcurrency, ThreadsEncodeAndDecodeSideBySide) {
     for (std::thread& thread : threads)
         thread.join();
     EXPECT_EQ(failures, (std::vector<int>{0, 0, 0, 0}));
+}
+
+// --- local code set --------------------------------------------------------------------------
+
+TEST(AttrListLocalCodeSet, Latin1TextBecomesUtf8OnTheWireAndComesBackAsLatin1) {
+    KELM_SKIP_UNLESS_LATIN1_LOCALE();
+    kelm_test::ScopedThreadLocale latin1(kelm_test::latin1_locale_name());
+    ASSERT_TRUE(latin1.active()) << latin1.problem();
+    value_s_t value{1, dup_text("\xE9t\xE9"), 0, nullptr}; // "été" in Latin-1
+    attr_s_t attr{dup_text("Gen\xE8ve"), 1, &value};       // "Genève"
+    attrlist_s_t list{1, &attr};
+    kelm_asn_buffer_t out{0, nullptr};
+    ASSERT_EQ(kelmAsnEncodeObjLCS(out, list), 0u);
+    const Bytes wire = bytes_of(out);
+    const Bytes name = {0x0C, 0x07, 'G', 'e', 'n', 0xC3, 0xA8, 'v', 'e'};
+    const Bytes text = {0x0C, 0x05, 0xC3, 0xA9, 't', 0xC3, 0xA9};
+    EXPECT_NE(std::search(wire.begin(), wire.end(), name.begin(), name.end()), wire.end())
+        << "the name travels as UTF-8";
+    EXPECT_NE(std::search(wire.begin(), wire.end(), text.begin(), text.end()), wire.end())
+        << "a text nested in the list travels as UTF-8 too";
+
+    attrlist_s_t back{};
+    ASSERT_EQ(kelmAsnDecodeObjLCS(out, back), 0u);
+    ASSERT_EQ(back.attr_count, 1u);
+    EXPECT_STREQ(back.attrs[0].name, "Gen\xE8ve");
+    ASSERT_EQ(back.attrs[0].value_count, 1u);
+    EXPECT_STREQ(back.attrs[0].values[0].str_value, "\xE9t\xE9");
+    kelmAsnFreeObj(back);
+
+    attrlist_s_t plain{};
+    ASSERT_EQ(kelmAsnDecodeObj(out, plain), 0u);
+    EXPECT_STREQ(plain.attrs[0].name, "Gen\xC3\xA8ve") << "the plain decode keeps UTF-8";
+    kelmAsnFreeObj(plain);
+    kelm_asn_buffer_free(out);
+    std::free(value.str_value);
+    std::free(attr.name);
+}
+
+TEST(AttrListLocalCodeSet, ThePlainEntryPointsPassBytesUnchanged) {
+    KELM_SKIP_UNLESS_LATIN1_LOCALE();
+    kelm_test::ScopedThreadLocale latin1(kelm_test::latin1_locale_name());
+    attr_s_t attr{dup_text("\xE8"), 0, nullptr};
+    kelm_asn_buffer_t out{0, nullptr};
+    ASSERT_EQ(kelmAsnEncodeObj(out, attr), 0u);
+    EXPECT_EQ(bytes_of(out), with_header({0x30, 0x05, 0x0C, 0x01, 0xE8, 0x30, 0x00}));
+    kelm_asn_buffer_free(out);
+    std::free(attr.name);
+}
+
+TEST(AttrListLocalCodeSet, ACharacterWithoutALatin1FormBecomesAQuestionMark) {
+    KELM_SKIP_UNLESS_LATIN1_LOCALE();
+    kelm_test::ScopedThreadLocale latin1(kelm_test::latin1_locale_name());
+    Bytes wire = with_header({0x30, 0x07, 0x0C, 0x03, 0xE2, 0x82, 0xAC, 0x30, 0x00}); // "€"
+    kelm_asn_buffer_t in = buffer_of(wire);
+    attr_s_t back{};
+    ASSERT_EQ(kelmAsnDecodeObjLCS(in, back), 0u);
+    EXPECT_STREQ(back.name, "?");
+    kelmAsnFreeObj(back);
 }
