@@ -132,14 +132,7 @@ struct Named : kelm_asn_sequence {
 
 namespace {
 
-// The vtable slot of a virtual member function. Itanium C++ ABI 2.3 (the ABI of g++ on x86-64):
-// a pointer to a virtual member function holds 1 plus the byte offset of its vtable entry.
-template <class F> std::uintptr_t slot_of(F member) {
-    static_assert(sizeof(F) == 2 * sizeof(std::uintptr_t), "a pointer and an adjustment");
-    std::uintptr_t words[2];
-    std::memcpy(words, &member, sizeof words);
-    return (words[0] - 1) / sizeof(void*);
-}
+using kelm_test::slot_of;
 
 using C = kelm_asn_charstring;
 using Text = unsigned int (C::*)(char*);

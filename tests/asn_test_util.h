@@ -3,6 +3,8 @@
 #define KELMASN_TEST_ASN_TEST_UTIL_H
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <vector>
@@ -92,6 +94,15 @@ inline Bytes nested(unsigned int levels, unsigned char identifier, const Bytes& 
         reversed.push_back(identifier);
     }
     return Bytes(reversed.rbegin(), reversed.rend());
+}
+
+// The vtable slot of a virtual member function. Itanium C++ ABI 2.3 (the ABI of g++ on x86-64):
+// a pointer to a virtual member function holds 1 plus the byte offset of its vtable entry.
+template <class F> std::uintptr_t slot_of(F member) {
+    static_assert(sizeof(F) == 2 * sizeof(std::uintptr_t), "a pointer and an adjustment");
+    std::uintptr_t words[2];
+    std::memcpy(words, &member, sizeof words);
+    return (words[0] - 1) / sizeof(void*);
 }
 
 } // namespace kelm_test
