@@ -485,3 +485,22 @@ TEST(AttrListLocalCodeSet, ACharacterWithoutALatin1FormBecomesAQuestionMark) {
     EXPECT_STREQ(back.name, "?");
     kelmAsnFreeObj(back);
 }
+
+TEST(Value, TheRecordIsClearedBeforeItIsFilledPaddingIncluded) {
+    value_s_t value{5, dup_text("x"), 0, nullptr};
+    kelm_asn_buffer_t out{0, nullptr};
+    ASSERT_EQ(kelmAsnEncodeObj(out, value), 0u);
+    value_s_t back;
+    std::memset(&back, 0xEE, sizeof back);
+    ASSERT_EQ(kelmAsnDecodeObj(out, back), 0u);
+    const unsigned char* raw = reinterpret_cast<const unsigned char*>(&back);
+    for (size_t i = sizeof(uint32_t); i < offsetof(value_s_t, str_value); ++i)
+        EXPECT_EQ(raw[i], 0) << "padding byte " << i;
+    for (size_t i = offsetof(value_s_t, bin_length) + sizeof(uint32_t);
+         i < offsetof(value_s_t, bin_value); ++i)
+        EXPECT_EQ(raw[i], 0) << "padding byte " << i;
+    EXPECT_EQ(back.bin_value, nullptr);
+    kelmAsnFreeObj(back);
+    kelmAsnFreeObj(value);
+    kelm_asn_buffer_free(out);
+}
