@@ -115,16 +115,9 @@ unsigned int kelm_asn_integer::encode_value(kelm_buffer_t&) const {
     return KELM_ASN_OK;
 }
 
-// A present integer's cache holds its octets even after a change of tag, class or optionality
-// invalidated it, so it is revalidated rather than rebuilt.
+// The contents octets live in the cache itself.
 unsigned int kelm_asn_integer::get_encoding() const {
-    if (encoding_valid)
-        return KELM_ASN_OK;
-    if (is_present()) {
-        encoding_valid = 1;
-        return KELM_ASN_OK;
-    }
-    return fill_cache_from_value();
+    return get_encoding_kept_in_cache();
 }
 
 int kelm_asn_integer::set_default_value(kelm_asn_object* fallback) {

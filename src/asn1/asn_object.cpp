@@ -120,6 +120,16 @@ unsigned int kelm_asn_object::fill_cache_from_value() const {
     return KELM_ASN_OK;
 }
 
+unsigned int kelm_asn_object::get_encoding_kept_in_cache() const {
+    if (encoding_valid)
+        return KELM_ASN_OK;
+    if (is_present()) {
+        encoding_valid = 1;
+        return KELM_ASN_OK;
+    }
+    return fill_cache_from_value();
+}
+
 unsigned int kelm_asn_object::get_encoding() const {
     if (encoding_valid)
         return KELM_ASN_OK;

@@ -97,6 +97,10 @@ class KELM_API kelm_asn_object {
     void set_type_name(const char* name);
     // Fills `encoding` from the value, or from the default value when absent.
     unsigned int fill_cache_from_value() const;
+    // get_encoding() of a type whose contents octets live in the cache itself (INTEGER, OCTET
+    // STRING): a present value's cache holds its octets even after a change of tag, class or
+    // optionality invalidated it, so it is revalidated rather than rebuilt.
+    unsigned int get_encoding_kept_in_cache() const;
 
     mutable kelm_buffer_t encoding; // cache of the contents octets
     kelm_asn_object* parent;
