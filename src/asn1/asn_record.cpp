@@ -137,17 +137,24 @@ kelm_asn_record::~kelm_asn_record() {
     destroy_elements();
 }
 
+// One block holds the child registry and every element object, so that building a record's
+// elements costs one allocation however many fields it has.
 void kelm_asn_record::build_elements() {
-    size_t total = 0;
-    for (unsigned int i = 0; i < type_.field_count; ++i)
-        total += aligned(element_size(type_.fields[i]));
-    if (total == 0)
+    const unsigned int n = type_.field_count;
+    if (n == 0)
         return;
+    const size_t registry = aligned(n * sizeof(kelm_asn_object*));
+    size_t total = registry;
+    for (unsigned int i = 0; i < n; ++i)
+        total += aligned(element_size(type_.fields[i]));
     arena_ = static_cast<unsigned char*>(std::malloc(total));
     if (arena_ == nullptr)
         throw_memory_error("ASN: Out of memory");
-    size_t at = 0;
-    for (unsigned int i = 0; i < type_.field_count; ++i) {
+    // The registry is sized for every field: registering never grows it.
+    children = reinterpret_cast<kelm_asn_object**>(arena_);
+    child_capacity = n;
+    size_t at = registry;
+    for (unsigned int i = 0; i < n; ++i) {
         const kelm_record_field& f = type_.fields[i];
         kelm_asn_object* element = create_element(f, arena_ + at);
         ++constructed_;
@@ -164,6 +171,12 @@ void kelm_asn_record::destroy_elements() {
             element->~kelm_asn_object();
     }
     constructed_ = 0;
+    // The registry lives in the block: the composite must not release it separately.
+    if (arena_ != nullptr && children == reinterpret_cast<kelm_asn_object**>(arena_)) {
+        children = nullptr;
+        child_capacity = 0;
+        child_count = 0;
+    }
     std::free(arena_);
     arena_ = nullptr;
 }
