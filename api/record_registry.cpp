@@ -5,6 +5,7 @@
 #include <string>
 
 #include "attrlist_asn.h"
+#include "ekobj_asn.h"
 
 namespace {
 
@@ -13,6 +14,11 @@ const kelm_record_type* const kTypes[] = {
     &kelm_attrlist_type,
     &kelm_attr_type,
     &kelm_value_type,
+    &kelm_ip_addr_type,
+    &kelm_ekobj_type,
+    &kelm_ekobj_name_list_type,
+    &kelm_ekobj_list_type,
+    &kelm_ekobj_db_header_type,
 };
 
 // The short name: the class name without "asn_" and, when present, without a final "_t".
