@@ -6,6 +6,7 @@
 
 #include "attrlist_asn.h"
 #include "ekobj_asn.h"
+#include "ekpopobjs_asn.h"
 
 namespace {
 
@@ -19,6 +20,14 @@ const kelm_record_type* const kTypes[] = {
     &kelm_ekobj_name_list_type,
     &kelm_ekobj_list_type,
     &kelm_ekobj_db_header_type,
+    &kelm_ektod_range_type,
+    &kelm_ekaccess_times_type,
+    &kelm_ekpop_ipauth_type,
+    &kelm_ekmap_pop_to_pobj_type,
+    &kelm_ekpop_type,
+    &kelm_ekpop_ipauth2_list_type,
+    &kelm_ekpop_ipauth2_type,
+    &kelm_ekmap_pobj_to_pop_type,
 };
 
 // The short name: the class name without "asn_" and, when present, without a final "_t".

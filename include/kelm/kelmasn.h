@@ -8,6 +8,7 @@
 #include "asnbase.h"
 #include "attrlist.h"
 #include "ekobj.h"
+#include "ekpopobjs.h"
 #include "kelm_asn_buffer.h"
 #include "kelm_der.h"
 #include "kelm_entry.h"
