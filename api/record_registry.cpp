@@ -7,6 +7,7 @@
 #include "attrlist_asn.h"
 #include "ekobj_asn.h"
 #include "ekpopobjs_asn.h"
+#include "eksvr_enc_asn.h"
 
 namespace {
 
@@ -20,6 +21,8 @@ const kelm_record_type* const kTypes[] = {
     &kelm_ekobj_name_list_type,
     &kelm_ekobj_list_type,
     &kelm_ekobj_db_header_type,
+    &kelm_aznadmsvc_type,
+    &kelm_aznlocal_svr_type,
     &kelm_ektod_range_type,
     &kelm_ekaccess_times_type,
     &kelm_ekpop_ipauth_type,

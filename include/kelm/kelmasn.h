@@ -9,6 +9,7 @@
 #include "attrlist.h"
 #include "ekobj.h"
 #include "ekpopobjs.h"
+#include "eksvr_enc.h"
 #include "kelm_asn_buffer.h"
 #include "kelm_der.h"
 #include "kelm_entry.h"
