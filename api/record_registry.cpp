@@ -8,6 +8,7 @@
 #include "ekobj_asn.h"
 #include "ekpopobjs_asn.h"
 #include "eksvr_enc_asn.h"
+#include "pobj_asn.h"
 
 namespace {
 
@@ -23,6 +24,9 @@ const kelm_record_type* const kTypes[] = {
     &kelm_ekobj_db_header_type,
     &kelm_aznadmsvc_type,
     &kelm_aznlocal_svr_type,
+    &kelm_pobjspace_type,
+    &kelm_azn_internal_pobj_type,
+    &kelm_pobj_type,
     &kelm_ektod_range_type,
     &kelm_ekaccess_times_type,
     &kelm_ekpop_ipauth_type,

@@ -13,5 +13,6 @@
 #include "kelm_asn_buffer.h"
 #include "kelm_der.h"
 #include "kelm_entry.h"
+#include "pobj.h"
 
 #endif
