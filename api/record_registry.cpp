@@ -5,6 +5,10 @@
 #include <string>
 
 #include "attrlist_asn.h"
+#include "ekobj_asn.h"
+#include "ekpopobjs_asn.h"
+#include "eksvr_enc_asn.h"
+#include "pobj_asn.h"
 
 namespace {
 
@@ -13,6 +17,24 @@ const kelm_record_type* const kTypes[] = {
     &kelm_attrlist_type,
     &kelm_attr_type,
     &kelm_value_type,
+    &kelm_ip_addr_type,
+    &kelm_ekobj_type,
+    &kelm_ekobj_name_list_type,
+    &kelm_ekobj_list_type,
+    &kelm_ekobj_db_header_type,
+    &kelm_aznadmsvc_type,
+    &kelm_aznlocal_svr_type,
+    &kelm_pobjspace_type,
+    &kelm_azn_internal_pobj_type,
+    &kelm_pobj_type,
+    &kelm_ektod_range_type,
+    &kelm_ekaccess_times_type,
+    &kelm_ekpop_ipauth_type,
+    &kelm_ekmap_pop_to_pobj_type,
+    &kelm_ekpop_type,
+    &kelm_ekpop_ipauth2_list_type,
+    &kelm_ekpop_ipauth2_type,
+    &kelm_ekmap_pobj_to_pop_type,
 };
 
 // The short name: the class name without "asn_" and, when present, without a final "_t".

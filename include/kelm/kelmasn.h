@@ -7,8 +7,12 @@
 
 #include "asnbase.h"
 #include "attrlist.h"
+#include "ekobj.h"
+#include "ekpopobjs.h"
+#include "eksvr_enc.h"
 #include "kelm_asn_buffer.h"
 #include "kelm_der.h"
 #include "kelm_entry.h"
+#include "pobj.h"
 
 #endif

@@ -1,0 +1,80 @@
+// Generic objects: network addresses, named objects with a byte payload, lists of objects or of
+// names, and the header of an object database.
+//
+// Ownership: a record filled by a decode entry point owns every string and array it points at;
+// kelmAsnFreeObj releases them (not the record itself).
+#ifndef KELM_EKOBJ_H
+#define KELM_EKOBJ_H
+
+#include <cstddef>
+#include <cstdint>
+
+#include "asn_export.h"
+#include "attrlist.h"
+#include "kelm_asn_buffer.h"
+
+// A network address. Both arrays always travel at their full size, whatever they hold.
+struct ip_addr_s_t {
+    uint32_t addr_type;
+    unsigned char addr_string[46];
+    unsigned char addr_bytes[16];
+};
+
+// A named object with two numbers and a byte payload.
+struct ekobj_t {
+    char* name;
+    uint32_t first_number;
+    uint32_t second_number;
+    uint32_t data_length;
+    unsigned char* data;
+};
+
+// A list of objects with attributes.
+struct ekobj_list_s_t {
+    uint32_t obj_count;
+    ekobj_t* objs;
+    attrlist_s_t attrs;
+};
+
+// A list of names with attributes.
+struct ekobj_name_list_s_t {
+    uint32_t name_count;
+    char** names;
+    attrlist_s_t attrs;
+};
+
+// The header of an object database.
+struct ekobj_db_header_s_t {
+    uint32_t db_number;
+    uint32_t name_count;
+    char** names;
+    attrlist_s_t attrs;
+};
+
+// The arrays follow the integer without gaps.
+static_assert(offsetof(ip_addr_s_t, addr_string) == 4, "ip_addr_s_t layout");
+static_assert(offsetof(ip_addr_s_t, addr_bytes) == 50, "ip_addr_s_t layout");
+static_assert(sizeof(ip_addr_s_t) == 68, "ip_addr_s_t layout");
+static_assert(offsetof(ekobj_t, first_number) == 8, "ekobj_t layout");
+static_assert(offsetof(ekobj_t, data_length) == 16, "ekobj_t layout");
+static_assert(offsetof(ekobj_t, data) == 24, "ekobj_t layout");
+static_assert(sizeof(ekobj_t) == 32, "ekobj_t layout");
+static_assert(offsetof(ekobj_list_s_t, objs) == 8, "ekobj_list_s_t layout");
+static_assert(offsetof(ekobj_list_s_t, attrs) == 16, "ekobj_list_s_t layout");
+static_assert(sizeof(ekobj_list_s_t) == 32, "ekobj_list_s_t layout");
+static_assert(offsetof(ekobj_name_list_s_t, names) == 8, "ekobj_name_list_s_t layout");
+static_assert(offsetof(ekobj_name_list_s_t, attrs) == 16, "ekobj_name_list_s_t layout");
+static_assert(sizeof(ekobj_name_list_s_t) == 32, "ekobj_name_list_s_t layout");
+// The count sits right after the number, before the pointer.
+static_assert(offsetof(ekobj_db_header_s_t, name_count) == 4, "ekobj_db_header_s_t layout");
+static_assert(offsetof(ekobj_db_header_s_t, names) == 8, "ekobj_db_header_s_t layout");
+static_assert(offsetof(ekobj_db_header_s_t, attrs) == 16, "ekobj_db_header_s_t layout");
+static_assert(sizeof(ekobj_db_header_s_t) == 32, "ekobj_db_header_s_t layout");
+
+KELM_DECLARE_ENTRY_POINTS(ip_addr_s_t);
+KELM_DECLARE_ENTRY_POINTS(ekobj_t);
+KELM_DECLARE_ENTRY_POINTS(ekobj_name_list_s_t);
+KELM_DECLARE_ENTRY_POINTS(ekobj_list_s_t);
+KELM_DECLARE_ENTRY_POINTS(ekobj_db_header_s_t);
+
+#endif

@@ -1,0 +1,113 @@
+// Protected-object policies: time-of-day ranges and access times, network-address
+// authentication entries in two generations, the policy itself, and the two mappings between
+// policies and protected-object names.
+//
+// Ownership: a record filled by a decode entry point owns every string and array it points at;
+// kelmAsnFreeObj releases them (not the record itself).
+#ifndef KELM_EKPOPOBJS_H
+#define KELM_EKPOPOBJS_H
+
+#include <cstddef>
+#include <cstdint>
+
+#include "asn_export.h"
+#include "attrlist.h"
+#include "ekobj.h"
+#include "kelm_asn_buffer.h"
+
+// A time-of-day range. The qualifier travels as a signed INTEGER and comes back with the same
+// bit pattern.
+struct ektod_range_s_t {
+    int32_t range_start;
+    int32_t range_end;
+    uint32_t range_qualifier;
+};
+
+// An access value and its time range.
+struct ekaccess_times_s_t {
+    uint32_t access_value;
+    ektod_range_s_t tod;
+};
+
+// A network-address authentication entry of three numbers.
+struct ekpop_ipauth_s_t {
+    uint32_t first_number;
+    uint32_t second_number;
+    uint32_t third_number;
+};
+
+// A network-address authentication entry of a number and two address records.
+struct ekpop_ipauth2_s_t {
+    uint32_t first_number;
+    ip_addr_s_t first_addr;
+    ip_addr_s_t second_addr;
+};
+
+// A list of the second generation of entries.
+struct ekpop_ipauth2_list_s_t {
+    uint32_t ipauth_count;
+    ekpop_ipauth2_s_t* ipauths;
+};
+
+// A protected-object policy.
+struct ekpop_s_t {
+    char* pop_name;
+    ekaccess_times_s_t access_times;
+    uint32_t first_number;
+    uint32_t second_number;
+    uint32_t third_number;
+    uint32_t ipauth_count;
+    ekpop_ipauth_s_t* ipauths;
+    attrlist_s_t attrs;
+};
+
+// The protected-object names of a policy.
+struct ekmap_pop_to_pobj_s_t {
+    uint32_t name_count;
+    char** names;
+    attrlist_s_t attrs;
+};
+
+// The policy names of a protected object.
+struct ekmap_pobj_to_pop_s_t {
+    uint32_t name_count;
+    char** names;
+    attrlist_s_t attrs;
+};
+
+static_assert(sizeof(ektod_range_s_t) == 12, "ektod_range_s_t layout");
+// The range follows the first field directly; together they are the whole record.
+static_assert(offsetof(ekaccess_times_s_t, tod) == 4, "ekaccess_times_s_t layout");
+static_assert(sizeof(ekaccess_times_s_t) == 16, "ekaccess_times_s_t layout");
+static_assert(sizeof(ekpop_ipauth_s_t) == 12, "ekpop_ipauth_s_t layout");
+static_assert(offsetof(ekpop_ipauth2_s_t, first_addr) == 4, "ekpop_ipauth2_s_t layout");
+static_assert(offsetof(ekpop_ipauth2_s_t, second_addr) == 72, "ekpop_ipauth2_s_t layout");
+static_assert(sizeof(ekpop_ipauth2_s_t) == 140, "ekpop_ipauth2_s_t layout");
+static_assert(offsetof(ekpop_ipauth2_list_s_t, ipauths) == 8, "ekpop_ipauth2_list_s_t layout");
+static_assert(sizeof(ekpop_ipauth2_list_s_t) == 16, "ekpop_ipauth2_list_s_t layout");
+// The three numbers and the count are four consecutive fields after the access times.
+static_assert(offsetof(ekpop_s_t, access_times) == 8, "ekpop_s_t layout");
+static_assert(offsetof(ekpop_s_t, first_number) == 24, "ekpop_s_t layout");
+static_assert(offsetof(ekpop_s_t, second_number) == 28, "ekpop_s_t layout");
+static_assert(offsetof(ekpop_s_t, third_number) == 32, "ekpop_s_t layout");
+static_assert(offsetof(ekpop_s_t, ipauth_count) == 36, "ekpop_s_t layout");
+static_assert(offsetof(ekpop_s_t, ipauths) == 40, "ekpop_s_t layout");
+static_assert(offsetof(ekpop_s_t, attrs) == 48, "ekpop_s_t layout");
+static_assert(sizeof(ekpop_s_t) == 64, "ekpop_s_t layout");
+static_assert(offsetof(ekmap_pop_to_pobj_s_t, names) == 8, "ekmap_pop_to_pobj_s_t layout");
+static_assert(offsetof(ekmap_pop_to_pobj_s_t, attrs) == 16, "ekmap_pop_to_pobj_s_t layout");
+static_assert(sizeof(ekmap_pop_to_pobj_s_t) == 32, "ekmap_pop_to_pobj_s_t layout");
+static_assert(offsetof(ekmap_pobj_to_pop_s_t, names) == 8, "ekmap_pobj_to_pop_s_t layout");
+static_assert(offsetof(ekmap_pobj_to_pop_s_t, attrs) == 16, "ekmap_pobj_to_pop_s_t layout");
+static_assert(sizeof(ekmap_pobj_to_pop_s_t) == 32, "ekmap_pobj_to_pop_s_t layout");
+
+KELM_DECLARE_ENTRY_POINTS(ektod_range_s_t);
+KELM_DECLARE_ENTRY_POINTS(ekaccess_times_s_t);
+KELM_DECLARE_ENTRY_POINTS(ekpop_ipauth_s_t);
+KELM_DECLARE_ENTRY_POINTS(ekmap_pop_to_pobj_s_t);
+KELM_DECLARE_ENTRY_POINTS(ekpop_s_t);
+KELM_DECLARE_ENTRY_POINTS(ekpop_ipauth2_list_s_t);
+KELM_DECLARE_ENTRY_POINTS(ekpop_ipauth2_s_t);
+KELM_DECLARE_ENTRY_POINTS(ekmap_pobj_to_pop_s_t);
+
+#endif

@@ -1,0 +1,54 @@
+// Server registrations: an administration service entry (a name and a list of strings) and a
+// local server record (four strings, four numbers, a list of service entries and attributes).
+//
+// Ownership: a record filled by a decode entry point owns every string and array it points at;
+// kelmAsnFreeObj releases them (not the record itself).
+#ifndef KELM_EKSVR_ENC_H
+#define KELM_EKSVR_ENC_H
+
+#include <cstddef>
+#include <cstdint>
+
+#include "asn_export.h"
+#include "attrlist.h"
+#include "kelm_asn_buffer.h"
+
+// An administration service entry.
+struct aznadmsvc_s_t {
+    char* svc_name;
+    uint32_t svc_item_count;
+    char** svc_items;
+};
+
+// A local server. The numbers travel as signed INTEGERs and come back with the same bits.
+struct aznlocal_svr_s_t {
+    char* svr_text1;
+    char* svr_text2;
+    char* svr_text3;
+    char* svr_text4;
+    uint32_t svr_number1;
+    uint32_t svr_number2;
+    uint32_t svr_number3;
+    uint32_t svr_number4;
+    uint32_t svc_count;
+    aznadmsvc_s_t* svcs;
+    attrlist_s_t attrs;
+};
+
+static_assert(offsetof(aznadmsvc_s_t, svc_item_count) == 8, "aznadmsvc_s_t layout");
+static_assert(offsetof(aznadmsvc_s_t, svc_items) == 16, "aznadmsvc_s_t layout");
+static_assert(sizeof(aznadmsvc_s_t) == 24, "aznadmsvc_s_t layout");
+// Four string pointers, then the four numbers and the count as five consecutive 32-bit fields,
+// then the array pointer and the inline attribute list.
+static_assert(offsetof(aznlocal_svr_s_t, svr_text4) == 24, "aznlocal_svr_s_t layout");
+static_assert(offsetof(aznlocal_svr_s_t, svr_number1) == 32, "aznlocal_svr_s_t layout");
+static_assert(offsetof(aznlocal_svr_s_t, svr_number4) == 44, "aznlocal_svr_s_t layout");
+static_assert(offsetof(aznlocal_svr_s_t, svc_count) == 48, "aznlocal_svr_s_t layout");
+static_assert(offsetof(aznlocal_svr_s_t, svcs) == 56, "aznlocal_svr_s_t layout");
+static_assert(offsetof(aznlocal_svr_s_t, attrs) == 64, "aznlocal_svr_s_t layout");
+static_assert(sizeof(aznlocal_svr_s_t) == 80, "aznlocal_svr_s_t layout");
+
+KELM_DECLARE_ENTRY_POINTS(aznadmsvc_s_t);
+KELM_DECLARE_ENTRY_POINTS(aznlocal_svr_s_t);
+
+#endif

@@ -1,0 +1,53 @@
+// Protected objects: object spaces (a list of names with attributes), protected objects (two
+// numbers, a name and attributes) and the authorization service's internal form of a protected
+// object (the object and one further name).
+//
+// Ownership: a record filled by a decode entry point owns every string and array it points at;
+// kelmAsnFreeObj releases them (not the record itself).
+#ifndef KELM_POBJ_H
+#define KELM_POBJ_H
+
+#include <cstddef>
+#include <cstdint>
+
+#include "asn_export.h"
+#include "attrlist.h"
+#include "kelm_asn_buffer.h"
+
+// A protected-object space.
+struct pobjspace_s_t {
+    uint32_t name_count;
+    char** names;
+    attrlist_s_t attrs;
+};
+
+// A protected object.
+struct pobj_s_t {
+    uint32_t first_number;
+    uint32_t second_number;
+    char* name;
+    attrlist_s_t attrs;
+};
+
+// The authorization service's internal form of a protected object.
+struct azn_internal_pobj_s_t {
+    pobj_s_t pobj;
+    char* internal_name;
+};
+
+static_assert(offsetof(pobjspace_s_t, names) == 8, "pobjspace_s_t layout");
+static_assert(offsetof(pobjspace_s_t, attrs) == 16, "pobjspace_s_t layout");
+static_assert(sizeof(pobjspace_s_t) == 32, "pobjspace_s_t layout");
+// The two numbers share the first 8 bytes, the name pointer follows, then the inline list.
+static_assert(offsetof(pobj_s_t, second_number) == 4, "pobj_s_t layout");
+static_assert(offsetof(pobj_s_t, name) == 8, "pobj_s_t layout");
+static_assert(offsetof(pobj_s_t, attrs) == 16, "pobj_s_t layout");
+static_assert(sizeof(pobj_s_t) == 32, "pobj_s_t layout");
+static_assert(offsetof(azn_internal_pobj_s_t, internal_name) == 32, "azn_internal_pobj_s_t layout");
+static_assert(sizeof(azn_internal_pobj_s_t) == 40, "azn_internal_pobj_s_t layout");
+
+KELM_DECLARE_ENTRY_POINTS(pobjspace_s_t);
+KELM_DECLARE_ENTRY_POINTS(azn_internal_pobj_s_t);
+KELM_DECLARE_ENTRY_POINTS(pobj_s_t);
+
+#endif
