@@ -157,8 +157,16 @@ void kelm_asn_record::build_elements() {
     for (unsigned int i = 0; i < n; ++i) {
         const kelm_record_field& f = type_.fields[i];
         kelm_asn_object* element = create_element(f, arena_ + at);
+        // Counted only once registered: destroy_elements finds the elements through the child
+        // registry, so one that could not be registered (a nested record holding storage of its
+        // own) is destroyed here.
+        try {
+            register_child(element);
+        } catch (...) {
+            element->~kelm_asn_object();
+            throw;
+        }
         ++constructed_;
-        register_child(element);
         at += aligned(element_size(f));
     }
 }
