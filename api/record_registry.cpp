@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string>
 
+#include "actionidl_asn.h"
 #include "attrlist_asn.h"
 
 namespace {
@@ -13,6 +14,9 @@ const kelm_record_type* const kTypes[] = {
     &kelm_attrlist_type,
     &kelm_attr_type,
     &kelm_value_type,
+    &kelm_ekaction_groups_type, // actions and action groups
+    &kelm_ekaction_group_type,
+    &kelm_ekaction_type,
 };
 
 // The short name: the class name without "asn_" and, when present, without a final "_t".

@@ -109,8 +109,13 @@ json field_to_json(const kelm_record_field& f, const void* record) {
         return list;
     }
     case kind::slots: {
+        // As on the wire, the empty slots after the last filled one are left out.
+        unsigned int used = f.size;
+        while (used > 0 &&
+               load<const void*>(at(record, f.offset), (used - 1) * sizeof(void*)) == nullptr)
+            --used;
         json list = json::array();
-        for (unsigned int i = 0; i < f.size; ++i) {
+        for (unsigned int i = 0; i < used; ++i) {
             const void* slot = load<const void*>(at(record, f.offset), i * sizeof(void*));
             list.push_back(slot != nullptr ? record_to_json(*f.type, slot) : json(nullptr));
         }
