@@ -6,6 +6,7 @@
 
 #include "actionidl_asn.h"
 #include "attrlist_asn.h"
+#include "zuauditidl_asn.h"
 
 namespace {
 
@@ -17,6 +18,9 @@ const kelm_record_type* const kTypes[] = {
     &kelm_ekaction_groups_type, // actions and action groups
     &kelm_ekaction_group_type,
     &kelm_ekaction_type,
+    &kelm_zuauditevent_type, // audit events
+    &kelm_zuauditelement_type,
+    &kelm_zuauditattribute_type,
 };
 
 // The short name: the class name without "asn_" and, when present, without a final "_t".

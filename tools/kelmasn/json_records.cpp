@@ -315,8 +315,27 @@ void field_from_json(const kelm_record_field& f, const json& value, const std::s
     }
 }
 
+// Records nested in the JSON document, counted while they are read. Each record is at least one
+// constructed level on the wire, so a document nested deeper than the decoders' limit could never
+// be read back; refusing it also keeps a recursive type's document from exhausting the stack.
+unsigned int json_record_depth = 0;
+
+class JsonRecordLevel {
+  public:
+    explicit JsonRecordLevel(const std::string& path) {
+        if (json_record_depth >= KELM_ASN_MAX_NESTING)
+            fail(path,
+                 "records nested deeper than " + std::to_string(KELM_ASN_MAX_NESTING) + " levels");
+        ++json_record_depth;
+    }
+    ~JsonRecordLevel() { --json_record_depth; }
+    JsonRecordLevel(const JsonRecordLevel&) = delete;
+    JsonRecordLevel& operator=(const JsonRecordLevel&) = delete;
+};
+
 void record_from_json_at(const kelm_record_type& type, const json& value, void* record,
                          const std::string& path) {
+    const JsonRecordLevel level(path.empty() ? std::string(type.record_name) : path);
     if (!value.is_object())
         fail(path.empty() ? std::string(type.record_name) : path,
              std::string("expected an object for ") + type.record_name);
