@@ -4,11 +4,13 @@
 #include <cstring>
 #include <string>
 
+#include "actionidl_asn.h"
 #include "attrlist_asn.h"
 #include "ekobj_asn.h"
 #include "ekpopobjs_asn.h"
 #include "eksvr_enc_asn.h"
 #include "pobj_asn.h"
+#include "zuauditidl_asn.h"
 
 namespace {
 
@@ -35,6 +37,12 @@ const kelm_record_type* const kTypes[] = {
     &kelm_ekpop_ipauth2_list_type,
     &kelm_ekpop_ipauth2_type,
     &kelm_ekmap_pobj_to_pop_type,
+    &kelm_ekaction_groups_type, // actions and action groups
+    &kelm_ekaction_group_type,
+    &kelm_ekaction_type,
+    &kelm_zuauditevent_type, // audit events
+    &kelm_zuauditelement_type,
+    &kelm_zuauditattribute_type,
 };
 
 // The short name: the class name without "asn_" and, when present, without a final "_t".

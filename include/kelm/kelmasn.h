@@ -5,6 +5,7 @@
 #ifndef KELM_KELMASN_H
 #define KELM_KELMASN_H
 
+#include "actionidl.h"
 #include "asnbase.h"
 #include "attrlist.h"
 #include "ekobj.h"
@@ -14,5 +15,6 @@
 #include "kelm_der.h"
 #include "kelm_entry.h"
 #include "pobj.h"
+#include "zuauditidl.h"
 
 #endif

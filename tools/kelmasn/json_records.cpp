@@ -109,8 +109,13 @@ json field_to_json(const kelm_record_field& f, const void* record) {
         return list;
     }
     case kind::slots: {
+        // As on the wire, the empty slots after the last filled one are left out.
+        unsigned int used = f.size;
+        while (used > 0 &&
+               load<const void*>(at(record, f.offset), (used - 1) * sizeof(void*)) == nullptr)
+            --used;
         json list = json::array();
-        for (unsigned int i = 0; i < f.size; ++i) {
+        for (unsigned int i = 0; i < used; ++i) {
             const void* slot = load<const void*>(at(record, f.offset), i * sizeof(void*));
             list.push_back(slot != nullptr ? record_to_json(*f.type, slot) : json(nullptr));
         }
@@ -310,8 +315,27 @@ void field_from_json(const kelm_record_field& f, const json& value, const std::s
     }
 }
 
+// Records nested in the JSON document, counted while they are read. Each record is at least one
+// constructed level on the wire, so a document nested deeper than the decoders' limit could never
+// be read back; refusing it also keeps a recursive type's document from exhausting the stack.
+unsigned int json_record_depth = 0;
+
+class JsonRecordLevel {
+  public:
+    explicit JsonRecordLevel(const std::string& path) {
+        if (json_record_depth >= KELM_ASN_MAX_NESTING)
+            fail(path,
+                 "records nested deeper than " + std::to_string(KELM_ASN_MAX_NESTING) + " levels");
+        ++json_record_depth;
+    }
+    ~JsonRecordLevel() { --json_record_depth; }
+    JsonRecordLevel(const JsonRecordLevel&) = delete;
+    JsonRecordLevel& operator=(const JsonRecordLevel&) = delete;
+};
+
 void record_from_json_at(const kelm_record_type& type, const json& value, void* record,
                          const std::string& path) {
+    const JsonRecordLevel level(path.empty() ? std::string(type.record_name) : path);
     if (!value.is_object())
         fail(path.empty() ? std::string(type.record_name) : path,
              std::string("expected an object for ") + type.record_name);

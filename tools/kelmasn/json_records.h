@@ -2,7 +2,7 @@
 //
 // Texts are strings (null for a null pointer), byte arrays are hex strings, lists are arrays,
 // absent optional records are null, slot arrays are arrays of their slots (null for an empty
-// slot), integers are numbers.
+// slot; the empty slots after the last filled one are left out), integers are numbers.
 #ifndef KELMASN_TOOL_JSON_RECORDS_H
 #define KELMASN_TOOL_JSON_RECORDS_H
 

@@ -1,0 +1,60 @@
+// Actions, action groups and the set of action groups.
+//
+// A group holds up to 32 actions and the set up to 32 groups, each in a fixed array of pointers
+// where a null pointer is an empty slot; on the wire every slot keeps its position.
+//
+// Ownership: a record filled by a decode entry point owns its texts, every slot record it points
+// at and their storage; kelmAsnFreeObj releases them (not the record itself) and resets nothing.
+#ifndef KELM_ACTIONIDL_H
+#define KELM_ACTIONIDL_H
+
+#include <cstddef>
+#include <cstdint>
+
+#include "attrlist.h"
+
+// The fixed number of slots of an action group and of the set of groups.
+inline constexpr unsigned int kelm_action_slot_count = 32;
+
+// A numbered action with three texts and two numbers that the product interprets.
+struct ekaction_s_t {
+    uint32_t action_number;
+    char* action_name;
+    char* action_label;
+    char* action_text;
+    uint32_t first_number;
+    uint32_t second_number;
+    attrlist_s_t attrs;
+};
+
+// A named group of up to 32 actions; a null pointer is an empty slot.
+struct ekaction_group_s_t {
+    char* group_name;
+    ekaction_s_t* actions[kelm_action_slot_count];
+    attrlist_s_t attrs;
+};
+
+// Up to 32 action groups; a null pointer is an empty slot.
+struct ekaction_groups_s_t {
+    ekaction_group_s_t* groups[kelm_action_slot_count];
+    attrlist_s_t attrs;
+};
+
+static_assert(offsetof(ekaction_s_t, action_name) == 8, "the texts follow the number");
+static_assert(offsetof(ekaction_s_t, action_label) == 16, "texts at 8-byte spacing");
+static_assert(offsetof(ekaction_s_t, action_text) == 24, "texts at 8-byte spacing");
+static_assert(offsetof(ekaction_s_t, first_number) == 32, "the two numbers share one 8-byte slot");
+static_assert(offsetof(ekaction_s_t, second_number) == 36, "the two numbers share one 8-byte slot");
+static_assert(offsetof(ekaction_s_t, attrs) == 40, "the attribute list follows the numbers");
+static_assert(sizeof(ekaction_s_t) == 56, "ekaction_s_t layout");
+static_assert(offsetof(ekaction_group_s_t, actions) == 8, "ekaction_group_s_t layout");
+static_assert(offsetof(ekaction_group_s_t, attrs) == 264, "ekaction_group_s_t layout");
+static_assert(sizeof(ekaction_group_s_t) == 280, "an action group is 280 bytes");
+static_assert(offsetof(ekaction_groups_s_t, attrs) == 256, "ekaction_groups_s_t layout");
+static_assert(sizeof(ekaction_groups_s_t) == 272, "the set of action groups is 272 bytes");
+
+KELM_DECLARE_ENTRY_POINTS(ekaction_groups_s_t);
+KELM_DECLARE_ENTRY_POINTS(ekaction_group_s_t);
+KELM_DECLARE_ENTRY_POINTS(ekaction_s_t);
+
+#endif
