@@ -174,3 +174,27 @@ TEST(ToolJson, ABufferThatDoesNotDecodeGivesTheStatusAndItsMeaning) {
     EXPECT_NE(run.err.find("status 0x10652196"), std::string::npos) << run.err;
     std::remove(path.c_str());
 }
+
+// An independent reader agrees that every body the library writes is well-formed DER.
+TEST(IndependentCheck, OpensslParsesTheBodyOfEveryExampleBuffer) {
+    if (std::system("openssl version >/dev/null 2>&1") != 0)
+        GTEST_SKIP() << "openssl is not installed";
+    const std::vector<std::string> types = example_types();
+    ASSERT_GE(types.size(), 4u);
+    for (const std::string& type : types) {
+        SCOPED_TRACE(type);
+        const std::string buffer = temp_path(type + ".buf");
+        const std::string body = temp_path(type + ".der");
+        const ToolRun encoded =
+            run_tool("encode " + type + " '" + example(type) + "' -o '" + buffer + "'");
+        ASSERT_EQ(encoded.exit_code, 0) << encoded.err;
+        const std::string bytes = read_file(buffer);
+        ASSERT_GT(bytes.size(), 4u);
+        write_file(body, bytes.substr(4));
+        const std::string command =
+            "openssl asn1parse -inform DER -in '" + body + "' >/dev/null 2>&1";
+        EXPECT_EQ(std::system(command.c_str()), 0) << "openssl refused the body of " << type;
+        std::remove(buffer.c_str());
+        std::remove(body.c_str());
+    }
+}
