@@ -306,18 +306,7 @@ TEST(EkobjClasses, StoredTypeNamesDropThePrefixAndKeepSixteenCharacters) {
 
 // --- local code set --------------------------------------------------------------------------
 
-class EkobjLatin1 : public ::testing::Test {
-  protected:
-    void SetUp() override {
-        KELM_SKIP_UNLESS_LATIN1_LOCALE();
-        locale_ = std::make_unique<kelm_test::ScopedThreadLocale>(kelm_test::latin1_locale_name());
-        ASSERT_TRUE(locale_->active()) << locale_->problem();
-    }
-    void TearDown() override { locale_.reset(); }
-
-  private:
-    std::unique_ptr<kelm_test::ScopedThreadLocale> locale_;
-};
+using EkobjLatin1 = kelm_test::Latin1Test;
 
 TEST_F(EkobjLatin1, NamesAndNestedAttributesConvertBothWays) {
     // "Zürich" and "Renée" in ISO-8859-1, and the same record in UTF-8.

@@ -280,18 +280,7 @@ TEST(PopClasses, StoredTypeNamesDropThePrefixAndKeepSixteenCharacters) {
 
 // --- local code set --------------------------------------------------------------------------
 
-class PopLatin1 : public ::testing::Test {
-  protected:
-    void SetUp() override {
-        KELM_SKIP_UNLESS_LATIN1_LOCALE();
-        locale_ = std::make_unique<kelm_test::ScopedThreadLocale>(kelm_test::latin1_locale_name());
-        ASSERT_TRUE(locale_->active()) << locale_->problem();
-    }
-    void TearDown() override { locale_.reset(); }
-
-  private:
-    std::unique_ptr<kelm_test::ScopedThreadLocale> locale_;
-};
+using PopLatin1 = kelm_test::Latin1Test;
 
 TEST_F(PopLatin1, ThePolicyNameAndMappedNamesConvertBothWays) {
     ekpop_s_t local{};

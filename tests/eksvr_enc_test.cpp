@@ -166,18 +166,7 @@ TEST(ServerClasses, StoredTypeNamesDropThePrefix) {
 
 // --- local code set --------------------------------------------------------------------------
 
-class ServerLatin1 : public ::testing::Test {
-  protected:
-    void SetUp() override {
-        KELM_SKIP_UNLESS_LATIN1_LOCALE();
-        locale_ = std::make_unique<kelm_test::ScopedThreadLocale>(kelm_test::latin1_locale_name());
-        ASSERT_TRUE(locale_->active()) << locale_->problem();
-    }
-    void TearDown() override { locale_.reset(); }
-
-  private:
-    std::unique_ptr<kelm_test::ScopedThreadLocale> locale_;
-};
+using ServerLatin1 = kelm_test::Latin1Test;
 
 TEST_F(ServerLatin1, TextsOfTheServerAndOfItsServicesConvertBothWays) {
     aznlocal_svr_s_t local{};

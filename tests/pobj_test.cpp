@@ -159,18 +159,7 @@ TEST(PobjClasses, StoredTypeNamesDropThePrefixAndKeepSixteenCharacters) {
 
 // --- local code set --------------------------------------------------------------------------
 
-class PobjLatin1 : public ::testing::Test {
-  protected:
-    void SetUp() override {
-        KELM_SKIP_UNLESS_LATIN1_LOCALE();
-        locale_ = std::make_unique<kelm_test::ScopedThreadLocale>(kelm_test::latin1_locale_name());
-        ASSERT_TRUE(locale_->active()) << locale_->problem();
-    }
-    void TearDown() override { locale_.reset(); }
-
-  private:
-    std::unique_ptr<kelm_test::ScopedThreadLocale> locale_;
-};
+using PobjLatin1 = kelm_test::Latin1Test;
 
 TEST_F(PobjLatin1, TheNestedObjectsNameAndTheInternalNameConvertBothWays) {
     azn_internal_pobj_s_t local{};

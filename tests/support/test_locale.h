@@ -4,7 +4,10 @@
 #define KELMASN_TEST_LOCALE_H
 
 #include <locale.h>
+#include <memory>
 #include <string>
+
+#include <gtest/gtest.h>
 
 namespace kelm_test {
 
@@ -47,5 +50,24 @@ const std::string& latin1_locale_problem();
 #define KELM_SKIP_UNLESS_LATIN1_LOCALE()                                                           \
     if (::kelm_test::latin1_locale_name().empty())                                                 \
     GTEST_SKIP() << ::kelm_test::latin1_locale_problem()
+
+namespace kelm_test {
+
+// A test fixture whose body runs on a thread using the ISO-8859-1 locale; the test is skipped,
+// with the reason, where that locale cannot be built.
+class Latin1Test : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        KELM_SKIP_UNLESS_LATIN1_LOCALE();
+        locale_ = std::make_unique<ScopedThreadLocale>(latin1_locale_name());
+        ASSERT_TRUE(locale_->active()) << locale_->problem();
+    }
+    void TearDown() override { locale_.reset(); }
+
+  private:
+    std::unique_ptr<ScopedThreadLocale> locale_;
+};
+
+} // namespace kelm_test
 
 #endif
