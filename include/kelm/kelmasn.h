@@ -8,6 +8,7 @@
 #include "actionidl.h"
 #include "asnbase.h"
 #include "attrlist.h"
+#include "ekobjs.h"
 #include "kelm_asn_buffer.h"
 #include "kelm_der.h"
 #include "kelm_entry.h"
