@@ -157,6 +157,29 @@ const char* const kEntryPoints[] = {
     "NULL_STRING",
 };
 
+const char* const kTypeCodeEntryPoints[] = {
+    "kelmasn_encode_obj(int, void*, unsigned int, kelm_asn_buffer_t&)",
+    "kelmasn_decode_obj(int, kelm_asn_buffer_t&, unsigned int, void*)",
+    "kelmasn_obj_free(int, unsigned int, void*)",
+    "main_func(int, int, void*, unsigned int, kelm_asn_buffer_t&)",
+    "kelm_asn_cert_request_in::kelm_asn_cert_request_in(security_t)",
+    "kelm_asn_cert_request_in::set_value(cert_request_in const&)",
+    "kelm_asn_cert_request_in::get_value(cert_request_in&) const",
+    "kelm_asn_cert_request_in::free_obj(cert_request_in&)",
+    "kelm_asn_ekobj_update_t::kelm_asn_ekobj_update_t(security_t)",
+    "kelm_asn_ekobj_update_t::set_value(ekobj_update_s_t const&)",
+    "kelm_asn_ekobj_update_t::get_value(ekobj_update_s_t&) const",
+    "kelm_asn_ekobj_update_t::free_obj(ekobj_update_s_t&)",
+    "kelm_asn_ekobj_update_list_t::kelm_asn_ekobj_update_list_t(security_t)",
+    "kelm_asn_ekobj_update_list_t::set_value(ekobj_update_list_s_t const&)",
+    "kelm_asn_ekobj_update_list_t::get_value(ekobj_update_list_s_t&) const",
+    "kelm_asn_ekobj_update_list_t::free_obj(ekobj_update_list_s_t&)",
+    "vtable for kelm_asn_cert_request_in",
+    "vtable for kelm_asn_ekobj_update_t",
+    "vtable for kelm_asn_ekobj_update_list_t",
+    "kelm_v37_asnbase::kelm_v37_asnbase(security_t)",
+};
+
 void expect_all_exported(const std::set<std::string>& names, const char* const* begin,
                          const char* const* end) {
     for (const char* const* name = begin; name != end; ++name)
@@ -195,6 +218,12 @@ TEST(DynamicSymbols, TheEntryPointsOfTheRecordTypesAreExported) {
     expect_all_exported(names, std::begin(kEntryPoints), std::end(kEntryPoints));
 }
 
+TEST(DynamicSymbols, TheTypeCodeEntryPointsTheirDispatcherAndClassesAreExported) {
+    const std::set<std::string> names = exported_names();
+    ASSERT_FALSE(names.empty());
+    expect_all_exported(names, std::begin(kTypeCodeEntryPoints), std::end(kTypeCodeEntryPoints));
+}
+
 TEST(DynamicSymbols, EveryKnownRecordTypeHasItsFiveEntryPoints) {
     const std::set<std::string> names = exported_names();
     ASSERT_FALSE(names.empty());
@@ -226,7 +255,7 @@ TEST(DynamicSymbols, InternalHelpersStayHidden) {
         const bool ours =
             bare.rfind("kelm", 0) == 0 || bare.rfind("asn_", 0) == 0 ||
             bare.rfind("check_EOC", 0) == 0 || bare == "NULL_STRING" ||
-            bare.rfind("KELMASN_", 0) == 0 ||
+            bare.rfind("main_func(", 0) == 0 || bare.rfind("KELMASN_", 0) == 0 ||
             std::find(std::begin(kCodeSets), std::end(kCodeSets), name) != std::end(kCodeSets);
         EXPECT_TRUE(ours) << "unexpected export: " << name;
         // The local code-set module is internal.

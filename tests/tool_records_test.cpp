@@ -1,4 +1,5 @@
-// The kelmasn tool's encode and decode on records that nest to any depth.
+// The kelmasn tool's encode and decode on records that nest to any depth, and on the records
+// reached by type code.
 #include <sys/wait.h>
 
 #include <cstdio>
@@ -118,5 +119,115 @@ TEST(ToolNesting, ABufferNestedPastTheLimitIsRefusedWithItsStatus) {
     const ToolRun run = run_tool("decode zuauditelement_s_t '" + path + "'");
     EXPECT_EQ(run.exit_code, 1);
     EXPECT_NE(run.err.find("status 0x1065219b"), std::string::npos) << run.err;
+    std::remove(path.c_str());
+}
+
+// --- records reached by type code ------------------------------------------------------------
+
+namespace {
+
+std::string example(const std::string& name) {
+    return std::string(KELMASN_EXAMPLES) + "/json/" + name + ".json";
+}
+
+} // namespace
+
+TEST(ToolTypeCodes, TheTypesReachedByTypeCodeAreListedWithTheirCodes) {
+    const ToolRun run = run_tool("types");
+    ASSERT_EQ(run.exit_code, 0);
+    for (const char* line :
+         {"cert_request_in", "kelm_asn_cert_request_in, type code 0x103", "ekobj_update_list_s_t",
+          "kelm_asn_ekobj_update_list_t, type code 0x104", "kelm_asn_integer, type code 0x106"})
+        EXPECT_NE(run.out.find(line), std::string::npos) << line;
+}
+
+TEST(ToolTypeCodes, ATypeIsNamedByItsNameItsHexCodeOrItsDecimalCode) {
+    const std::string json = example("ekobj_update_list_s_t");
+    std::string first;
+    for (const char* type : {"ekobj_update_list_s_t", "0x104", "260"}) {
+        SCOPED_TRACE(type);
+        const std::string der = temp_path("list.der");
+        const ToolRun run =
+            run_tool(std::string("encode ") + type + " '" + json + "' -o '" + der + "'");
+        ASSERT_EQ(run.exit_code, 0) << run.err;
+        const std::string bytes = read_file(der);
+        if (first.empty())
+            first = bytes;
+        EXPECT_EQ(bytes, first);
+        const ToolRun back = run_tool(std::string("decode ") + type + " '" + der + "'");
+        ASSERT_EQ(back.exit_code, 0) << back.err;
+        EXPECT_NE(back.out.find("\"text\": \"Z\u00fcrich\""), std::string::npos) << back.out;
+        std::remove(der.c_str());
+    }
+    // The version element and two updates that each repeat it.
+    ASSERT_GE(first.size(), 9u);
+    EXPECT_EQ(first.substr(0, 4), std::string("\x04\x02\xAC\xDC", 4));
+    EXPECT_EQ(first.substr(6, 3), std::string("\x02\x01\x01", 3));
+}
+
+TEST(ToolTypeCodes, TheVersionOptionWritesAndRequiresTheHeadersVersion) {
+    const std::string der = temp_path("request.der");
+    ToolRun run =
+        run_tool("encode 0x103 '" + example("cert_request_in") + "' --version 3 -o '" + der + "'");
+    ASSERT_EQ(run.exit_code, 0) << run.err;
+    const std::string bytes = read_file(der);
+    ASSERT_GE(bytes.size(), 4u);
+    EXPECT_EQ(bytes[1], '\x03');
+    run = run_tool("decode cert_request_in '" + der + "'");
+    EXPECT_EQ(run.exit_code, 1);
+    EXPECT_NE(run.err.find("status 0x10652196"), std::string::npos) << run.err;
+    run = run_tool("decode cert_request_in '" + der + "' --version 3");
+    EXPECT_EQ(run.exit_code, 0) << run.err;
+    EXPECT_NE(run.out.find("\"body\": \"3003020101\""), std::string::npos) << run.out;
+    // A typed type refuses the same bytes by their version too.
+    run = run_tool("decode attrlist_s_t '" + der + "'");
+    EXPECT_EQ(run.exit_code, 1);
+    EXPECT_NE(run.err.find("status 0x10652196"), std::string::npos) << run.err;
+    std::remove(der.c_str());
+}
+
+TEST(ToolTypeCodes, AnUnknownTypeCodeGetsTheLibrarysAnswer) {
+    const std::string path = temp_path("any.der");
+    write_file(path, std::string("\x04\x02\xAC\xDC\x02\x01\x01", 7));
+    for (const char* command : {"decode", "encode"}) {
+        SCOPED_TRACE(command);
+        const ToolRun run = run_tool(std::string(command) + " 0x105 '" + path + "'");
+        EXPECT_EQ(run.exit_code, 1);
+        EXPECT_NE(run.err.find("type code 0x105: status 0xffffffff (unknown type code)"),
+                  std::string::npos)
+            << run.err;
+    }
+    std::remove(path.c_str());
+}
+
+TEST(ToolTypeCodes, ABareIntegerAndItsFieldErrors) {
+    const std::string der = temp_path("int.der");
+    ToolRun run = run_tool("encode 0x106 '" + example("int") + "' -o '" + der + "'");
+    ASSERT_EQ(run.exit_code, 0) << run.err;
+    EXPECT_EQ(read_file(der), std::string("\x04\x02\xAC\xDC\x02\x01\xD6", 7));
+    std::remove(der.c_str());
+
+    struct Row {
+        const char* type;
+        const char* json;
+        const char* expected;
+    } rows[] = {
+        {"int", R"({"value": 2147483648})", "value: integer out of range"},
+        {"ekobj_update_list_s_t", R"({"updates": [{"text": 5}]})",
+         "updates[0].text: expected a string"},
+        {"cert_request_in", R"({"body": "0"})", "body: a hex string needs an even number"},
+        {"cert_request_in", R"({"string3": ""})", "string3: no such field"},
+    };
+    const std::string path = temp_path("bad.json");
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.json);
+        write_file(path, row.json);
+        run = run_tool(std::string("encode ") + row.type + " '" + path + "' -o /dev/null");
+        EXPECT_EQ(run.exit_code, 1);
+        EXPECT_NE(run.err.find(row.expected), std::string::npos) << run.err;
+    }
+    run = run_tool("encode cert_request_in '" + example("cert_request_in") + "' --lcs");
+    EXPECT_EQ(run.exit_code, 1);
+    EXPECT_NE(run.err.find("reached by type code"), std::string::npos) << run.err;
     std::remove(path.c_str());
 }

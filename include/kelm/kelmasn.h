@@ -11,6 +11,7 @@
 #include "ekobj.h"
 #include "ekpopobjs.h"
 #include "eksvr_enc.h"
+#include "ekobjs.h"
 #include "kelm_asn_buffer.h"
 #include "kelm_der.h"
 #include "kelm_entry.h"

@@ -4,6 +4,9 @@
 //   kelmasn types                        the record types the library knows
 //   kelmasn decode TYPE FILE             a buffer of TYPE as JSON
 //   kelmasn encode TYPE FILE.json -o OUT a record of TYPE from JSON into a buffer
+//
+// TYPE is a record type's name, or for the types reached by type code (certificate requests,
+// lists of object updates, a bare int) also the code itself ("0x103", "259").
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -18,6 +21,9 @@
 #include "asn_record_registry.h"
 #include "der_dump.h"
 #include "json_records.h"
+#include "kelm/ekobjs.h"
+#include "kelm/kelm_entry.h"
+#include "type_code_records.h"
 
 namespace {
 
@@ -94,10 +100,106 @@ int run_types() {
     const kelm_record_type* const* types = kelm_record_types(count);
     for (unsigned int i = 0; i < count; ++i)
         std::printf("%-36s %s\n", types[i]->record_name, types[i]->class_name);
+    const kelmasn_tool::TypeCodeRecord* by_code = kelmasn_tool::type_code_records(count);
+    for (unsigned int i = 0; i < count; ++i)
+        std::printf("%-36s %s, type code 0x%x\n", by_code[i].name, by_code[i].class_name,
+                    by_code[i].code);
+    return 0;
+}
+
+// --- the types reached by type code ------------------------------------------------------------
+
+// Room for any record reached by type code, zeroed; released with kelmasn_obj_free.
+struct TypeCodeStorage {
+    explicit TypeCodeStorage(unsigned int code) : type(code) {}
+    ~TypeCodeStorage() { kelmasn_obj_free(0, type, bytes); }
+    TypeCodeStorage(const TypeCodeStorage&) = delete;
+    TypeCodeStorage& operator=(const TypeCodeStorage&) = delete;
+    unsigned int type;
+    alignas(8) unsigned char bytes[sizeof(cert_request_in)] = {};
+};
+static_assert(sizeof(cert_request_in) >= sizeof(ekobj_update_list_s_t) &&
+                  sizeof(cert_request_in) >= sizeof(int),
+              "the storage holds every record reached by type code");
+
+std::string code_text(unsigned int code) {
+    char text[16];
+    std::snprintf(text, sizeof text, "0x%x", code);
+    return text;
+}
+
+// A numeric TYPE that no record type has goes to the library all the same, which answers with
+// its status for an unknown type code.
+int run_unknown_code(unsigned int code, const std::string& path, bool encoding, int version) {
+    TypeCodeStorage record(code);
+    kelm_asn_buffer_t buffer{0, nullptr};
+    const unsigned int status = encoding ? kelmasn_encode_obj(version, record.bytes, code, buffer)
+                                         : kelmasn_decode_obj(version, buffer, code, record.bytes);
+    return complain(path + ": cannot " + (encoding ? "encode" : "decode") + " type code " +
+                    code_text(code) + ": " + status_line(status));
+}
+
+int run_decode_by_code(const kelmasn_tool::TypeCodeRecord& type, const std::string& path,
+                       int version) {
+    std::vector<unsigned char> bytes;
+    std::string error;
+    if (!read_input(path, bytes, error))
+        return complain(error);
+    TypeCodeStorage record(type.code);
+    kelm_asn_buffer_t buffer{bytes.size(), bytes.data()};
+    const unsigned int status = kelmasn_decode_obj(version, buffer, type.code, record.bytes);
+    if (status != 0)
+        return complain(path + ": cannot decode " + type.name + ": " + status_line(status));
+    std::cout << kelmasn_tool::record_to_json(*type.json_fields, record.bytes).dump(2) << "\n";
+    return 0;
+}
+
+bool write_output(const std::string& output, const kelm_asn_buffer_t& buffer) {
+    std::FILE* out = output == "-" ? stdout : std::fopen(output.c_str(), "wb");
+    if (out == nullptr)
+        return false;
+    const bool written = std::fwrite(buffer.data, 1, buffer.length, out) == buffer.length;
+    const bool closed = out == stdout ? std::fflush(out) == 0 : std::fclose(out) == 0;
+    return written && closed;
+}
+
+int run_encode_by_code(const kelmasn_tool::TypeCodeRecord& type, const std::string& path,
+                       const std::string& output, int version) {
+    std::vector<unsigned char> bytes;
+    std::string error;
+    if (!read_input(path, bytes, error))
+        return complain(error);
+    nlohmann::ordered_json document;
+    try {
+        document = nlohmann::ordered_json::parse(bytes.begin(), bytes.end());
+    } catch (const nlohmann::json::exception& e) {
+        return complain(path + ": not JSON: " + e.what());
+    }
+    TypeCodeStorage record(type.code);
+    try {
+        kelmasn_tool::record_from_json(*type.json_fields, document, record.bytes);
+    } catch (const kelmasn_tool::JsonFieldError& e) {
+        return complain(path + ": " + e.what());
+    }
+    kelm_asn_buffer_t buffer{0, nullptr};
+    const unsigned int status = kelmasn_encode_obj(version, record.bytes, type.code, buffer);
+    if (status != 0)
+        return complain(path + ": cannot encode " + type.name + ": " + status_line(status));
+    const bool written = write_output(output, buffer);
+    kelm_asn_buffer_free(buffer);
+    if (!written)
+        return complain("cannot write " + output);
     return 0;
 }
 
 int run_decode(const std::string& type_name, const std::string& path, bool local, int version) {
+    if (const kelmasn_tool::TypeCodeRecord* by_code =
+            kelmasn_tool::type_code_record_named(type_name))
+        return local ? complain("--lcs: " + type_name + " is reached by type code, always plain")
+                     : run_decode_by_code(*by_code, path, version);
+    unsigned int code = 0;
+    if (kelmasn_tool::parse_type_code(type_name, code))
+        return run_unknown_code(code, path, false, version);
     const kelm_record_type* type = find_type(type_name);
     if (type == nullptr)
         return 1;
@@ -120,6 +222,13 @@ int run_decode(const std::string& type_name, const std::string& path, bool local
 
 int run_encode(const std::string& type_name, const std::string& path, const std::string& output,
                bool local, int version) {
+    if (const kelmasn_tool::TypeCodeRecord* by_code =
+            kelmasn_tool::type_code_record_named(type_name))
+        return local ? complain("--lcs: " + type_name + " is reached by type code, always plain")
+                     : run_encode_by_code(*by_code, path, output, version);
+    unsigned int code = 0;
+    if (kelmasn_tool::parse_type_code(type_name, code))
+        return run_unknown_code(code, path, true, version);
     const kelm_record_type* type = find_type(type_name);
     if (type == nullptr)
         return 1;
@@ -147,15 +256,9 @@ int run_encode(const std::string& type_name, const std::string& path, const std:
                                 local ? KELM_SECURITY_LOCAL_CODESET : KELM_SECURITY_PLAIN);
     if (status != 0)
         return complain(path + ": cannot encode " + type->record_name + ": " + status_line(status));
-    std::FILE* out = output == "-" ? stdout : std::fopen(output.c_str(), "wb");
-    if (out == nullptr) {
-        std::free(buffer.data);
-        return complain("cannot write " + output);
-    }
-    const bool written = std::fwrite(buffer.data, 1, buffer.length, out) == buffer.length;
-    const bool closed = out == stdout ? std::fflush(out) == 0 : std::fclose(out) == 0;
+    const bool written = write_output(output, buffer);
     std::free(buffer.data);
-    if (!written || !closed)
+    if (!written)
         return complain("cannot write " + output);
     return 0;
 }
@@ -176,13 +279,19 @@ int main(int argc, char** argv) {
     bool local = false;
     int version = 2;
     CLI::App* decode = app.add_subcommand("decode", "Print an encoded record as JSON");
-    decode->add_option("TYPE", type_name, "record type, e.g. attrlist_s_t")->required();
+    decode
+        ->add_option("TYPE", type_name,
+                     "record type, e.g. attrlist_s_t, or a type code, e.g. 0x103")
+        ->required();
     decode->add_option("FILE", input, "the encoded buffer; - reads standard input")->required();
     decode->add_flag("--lcs", local, "texts to the local code set, as the LCS entry points do");
     decode->add_option("--version", version, "the header's version byte (default 2)");
 
     CLI::App* encode = app.add_subcommand("encode", "Encode a record given as JSON");
-    encode->add_option("TYPE", type_name, "record type, e.g. attrlist_s_t")->required();
+    encode
+        ->add_option("TYPE", type_name,
+                     "record type, e.g. attrlist_s_t, or a type code, e.g. 0x103")
+        ->required();
     encode->add_option("FILE", input, "the record as JSON; - reads standard input")->required();
     encode->add_option("-o,--output", output, "where the buffer goes (default standard output)");
     encode->add_flag("--lcs", local, "texts from the local code set, as the LCS entry points do");
