@@ -5,6 +5,7 @@
 #include <string>
 
 #include "attrlist_asn.h"
+#include "principal_asn.h"
 
 namespace {
 
@@ -13,6 +14,12 @@ const kelm_record_type* const kTypes[] = {
     &kelm_attrlist_type,
     &kelm_attr_type,
     &kelm_value_type,
+    &kelm_ekprincipal_chain_type,
+    &kelm_ekprincipal_type,
+    &kelm_sec_id_pa_type,
+    &kelm_sec_id_type,
+    &kelm_dbr_get_db_in_type,
+    &kelm_dbr_get_db_out_type,
 };
 
 // The short name: the class name without "asn_" and, when present, without a final "_t".

@@ -10,5 +10,6 @@
 #include "kelm_asn_buffer.h"
 #include "kelm_der.h"
 #include "kelm_entry.h"
+#include "principal.h"
 
 #endif

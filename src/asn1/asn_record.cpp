@@ -71,6 +71,10 @@ kelm_asn_object* create_element(const kelm_record_field& f, void* where) {
     case kind::optional_record: {
         kelm_asn_object* nested = f.type->ops->create(where, plain);
         nested->set_optional(1);
+        // Absent until a record is copied in: a nested record whose elements are all valid from
+        // the start (an attribute list is one list, present and empty when built) would
+        // otherwise count as present and be written for a NULL pointer.
+        nested->invalidate_value(KELM_INVALIDATE_CONTAINER);
         return nested;
     }
     case kind::record_list:
@@ -150,8 +154,15 @@ void kelm_asn_record::build_elements() {
     for (unsigned int i = 0; i < type_.field_count; ++i) {
         const kelm_record_field& f = type_.fields[i];
         kelm_asn_object* element = create_element(f, arena_ + at);
+        // destroy_elements reaches an element through the registry: one that cannot be
+        // registered is destroyed here, or what it allocated itself would leak.
+        try {
+            register_child(element);
+        } catch (...) {
+            element->~kelm_asn_object();
+            throw;
+        }
         ++constructed_;
-        register_child(element);
         at += aligned(element_size(f));
     }
 }
@@ -221,8 +232,13 @@ unsigned int kelm_asn_record::set_record(const void* record) {
             break;
         case kind::optional_record: {
             const void* nested = read_field<const void*>(record, f.offset);
-            if (nested != nullptr)
-                static_cast<kelm_asn_record*>(element)->set_record(nested);
+            if (nested != nullptr) {
+                auto* present = static_cast<kelm_asn_record*>(element);
+                present->set_record(nested);
+                // Present whenever the pointer is set, also when copying the record changed the
+                // validity of none of its elements (an empty attribute list).
+                present->check_valid(0);
+            }
             break;
         }
         case kind::record_list:
