@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string>
 
+#include "aclidl_asn.h"
 #include "attrlist_asn.h"
 #include "principal_asn.h"
 
@@ -20,6 +21,11 @@ const kelm_record_type* const kTypes[] = {
     &kelm_sec_id_type,
     &kelm_dbr_get_db_in_type,
     &kelm_dbr_get_db_out_type,
+    &kelm_acl_permset_type,
+    &kelm_map_pobj_to_acl_type,
+    &kelm_acl_ext_type,
+    &kelm_acl_entry_type,
+    &kelm_map_acl_to_pobj_type,
 };
 
 // The short name: the class name without "asn_" and, when present, without a final "_t".

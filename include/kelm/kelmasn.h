@@ -5,6 +5,7 @@
 #ifndef KELM_KELMASN_H
 #define KELM_KELMASN_H
 
+#include "aclidl.h"
 #include "asnbase.h"
 #include "attrlist.h"
 #include "kelm_asn_buffer.h"
