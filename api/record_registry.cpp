@@ -6,6 +6,7 @@
 
 #include "aclidl_asn.h"
 #include "attrlist_asn.h"
+#include "ekaclobjs_asn.h"
 #include "principal_asn.h"
 
 namespace {
@@ -26,6 +27,12 @@ const kelm_record_type* const kTypes[] = {
     &kelm_acl_ext_type,
     &kelm_acl_entry_type,
     &kelm_map_acl_to_pobj_type,
+    &kelm_ekauthzn_db_type,
+    &kelm_ekextern_auth_type,
+    &kelm_ekextattr_type,
+    &kelm_ekattr_type,
+    &kelm_azn_creds_mod_in_type,
+    &kelm_azn_creds_mod_out_type,
 };
 
 // The short name: the class name without "asn_" and, when present, without a final "_t".

@@ -8,6 +8,7 @@
 #include "aclidl.h"
 #include "asnbase.h"
 #include "attrlist.h"
+#include "ekaclobjs.h"
 #include "kelm_asn_buffer.h"
 #include "kelm_der.h"
 #include "kelm_entry.h"

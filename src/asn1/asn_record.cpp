@@ -186,11 +186,12 @@ int kelm_asn_record::set_secure(security_t sec) {
     return 0;
 }
 
-void kelm_asn_record::throw_memory_error(const char* message) const {
-    throw kelm_asn_memexception(type_.source, type_.source_line, message);
+void kelm_asn_record::throw_memory_error(const char* message, int line) const {
+    throw kelm_asn_memexception(type_.source, line != 0 ? line : type_.source_line, message);
 }
 
 unsigned int kelm_asn_record::set_record(const void* record) {
+    const int entry_line = type_.list_failure_lines.entry;
     for (unsigned int i = 0; i < type_.field_count; ++i) {
         const kelm_record_field& f = type_.fields[i];
         kelm_asn_object* element = get_child(i);
@@ -249,7 +250,7 @@ unsigned int kelm_asn_record::set_record(const void* record) {
             for (unsigned int k = 0; k < count; ++k) {
                 kelm_asn_record* entry = f.type->ops->add_to_list(*list);
                 if (entry == nullptr)
-                    throw_memory_error("ASN: Memory error");
+                    throw_memory_error("ASN: Memory error", entry_line);
                 entry->set_record(array + static_cast<size_t>(k) * f.type->record_size);
             }
             break;
@@ -261,14 +262,14 @@ unsigned int kelm_asn_record::set_record(const void* record) {
             for (unsigned int k = 0; k < count; ++k) {
                 kelm_asn_record* entry = f.type->ops->add_to_list(*list);
                 if (entry == nullptr)
-                    throw_memory_error("ASN: Memory error");
+                    throw_memory_error("ASN: Memory error", entry_line);
                 // A null entry is written as a record of zeros.
                 if (array[k] != nullptr) {
                     entry->set_record(array[k]);
                 } else {
                     void* zeros = std::calloc(1, f.type->record_size);
                     if (zeros == nullptr)
-                        throw_memory_error("ASN: Memory error");
+                        throw_memory_error("ASN: Memory error", entry_line);
                     try {
                         entry->set_record(zeros);
                     } catch (...) {
@@ -287,7 +288,7 @@ unsigned int kelm_asn_record::set_record(const void* record) {
             for (unsigned int k = 0; k < count; ++k) {
                 kelmasnUTF8String* entry = list->add_child();
                 if (entry == nullptr)
-                    throw_memory_error("ASN: Memory error");
+                    throw_memory_error("ASN: Memory error", entry_line);
                 entry->set_value(array[k]);
             }
             break;
@@ -299,7 +300,7 @@ unsigned int kelm_asn_record::set_record(const void* record) {
             for (unsigned int k = 0; k < count; ++k) {
                 kelmasn_integer* entry = list->add_child();
                 if (entry == nullptr)
-                    throw_memory_error("ASN: Memory error");
+                    throw_memory_error("ASN: Memory error", entry_line);
                 entry->set_value(static_cast<int>(array[k]));
             }
             break;
@@ -313,7 +314,7 @@ unsigned int kelm_asn_record::set_record(const void* record) {
                     continue;
                 kelm_asn_record* entry = f.type->ops->fill_slot(*array, k);
                 if (entry == nullptr)
-                    throw_memory_error("ASN: Memory error");
+                    throw_memory_error("ASN: Memory error", entry_line);
                 entry->set_record(slot);
             }
             break;
@@ -328,6 +329,11 @@ unsigned int kelm_asn_record::get_record(void* record) const {
         type_.clear(record);
     else if (!(type_.flags & KELM_RECORD_KEEPS_RECORD))
         std::memset(record, 0, type_.record_size);
+    // A type that ignores its elements' statuses goes on past a text that cannot be copied
+    // (leaving it null) and returns 0; thrown failures stop it all the same.
+    const bool stops_at_failure = !(type_.flags & KELM_RECORD_IGNORES_ELEMENT_STATUS);
+    const int array_line = type_.list_failure_lines.array;
+    const int child_line = type_.list_failure_lines.child;
     for (unsigned int i = 0; i < type_.field_count; ++i) {
         const kelm_record_field& f = type_.fields[i];
         const kelm_asn_object* element = get_child(i);
@@ -361,7 +367,7 @@ unsigned int kelm_asn_record::get_record(void* record) const {
             const unsigned int status =
                 static_cast<const kelmasnUTF8String*>(element)->get_value(text);
             write_field<char*>(record, f.offset, text);
-            if (status != KELM_ASN_OK)
+            if (status != KELM_ASN_OK && stops_at_failure)
                 return status;
             break;
         }
@@ -386,7 +392,7 @@ unsigned int kelm_asn_record::get_record(void* record) const {
         case kind::record: {
             const unsigned int status = static_cast<const kelm_asn_record*>(element)->get_record(
                 field_address(record, f.offset));
-            if (status != KELM_ASN_OK)
+            if (status != KELM_ASN_OK && stops_at_failure)
                 return status;
             break;
         }
@@ -399,7 +405,7 @@ unsigned int kelm_asn_record::get_record(void* record) const {
             write_field<void*>(record, f.offset, nested);
             const unsigned int status =
                 static_cast<const kelm_asn_record*>(element)->get_record(nested);
-            if (status != KELM_ASN_OK)
+            if (status != KELM_ASN_OK && stops_at_failure)
                 return status;
             break;
         }
@@ -418,12 +424,12 @@ unsigned int kelm_asn_record::get_record(void* record) const {
                                                                      : sizeof(void*);
             unsigned char* array = static_cast<unsigned char*>(std::calloc(children, entry_size));
             if (array == nullptr)
-                throw_memory_error("ASN: Memory error");
+                throw_memory_error("ASN: Memory error", array_line);
             write_field<unsigned char*>(record, f.offset, array);
             for (unsigned int k = 0; k < children; ++k) {
                 const kelm_asn_object* child = list->get_child(k);
                 if (child == nullptr)
-                    throw_memory_error("ASN: Memory error");
+                    throw_memory_error("ASN: Memory error", child_line);
                 unsigned char* entry = array + k * entry_size;
                 // Counted before it is filled: a failure part way through an entry leaves it
                 // counted, so that freeing the record releases what it holds.
@@ -434,7 +440,7 @@ unsigned int kelm_asn_record::get_record(void* record) const {
                 } else if (f.kind == kind::record_pointer_list) {
                     void* nested = std::calloc(1, f.type->record_size);
                     if (nested == nullptr)
-                        throw_memory_error("ASN: Memory error");
+                        throw_memory_error("ASN: Memory error", array_line);
                     write_field<void*>(entry, 0, nested);
                     status = static_cast<const kelm_asn_record*>(child)->get_record(nested);
                 } else if (f.kind == kind::text_list) {
@@ -446,7 +452,7 @@ unsigned int kelm_asn_record::get_record(void* record) const {
                     static_cast<const kelmasn_integer*>(child)->get_value(value);
                     write_field<uint32_t>(entry, 0, value);
                 }
-                if (status != KELM_ASN_OK)
+                if (status != KELM_ASN_OK && stops_at_failure)
                     return status;
             }
             break;
@@ -460,10 +466,10 @@ unsigned int kelm_asn_record::get_record(void* record) const {
                     continue;
                 void* nested = std::calloc(1, f.type->record_size);
                 if (nested == nullptr)
-                    throw_memory_error("ASN: Memory error");
+                    throw_memory_error("ASN: Memory error", array_line);
                 write_field<void*>(slots, k * sizeof(void*), nested);
                 const unsigned int status = entry->get_record(nested);
-                if (status != KELM_ASN_OK)
+                if (status != KELM_ASN_OK && stops_at_failure)
                     return status;
             }
             break;
