@@ -7,6 +7,7 @@
 #include "aclidl_asn.h"
 #include "attrlist_asn.h"
 #include "ekaclobjs_asn.h"
+#include "namevalue_asn.h"
 #include "principal_asn.h"
 
 namespace {
@@ -33,6 +34,11 @@ const kelm_record_type* const kTypes[] = {
     &kelm_ekattr_type,
     &kelm_azn_creds_mod_in_type,
     &kelm_azn_creds_mod_out_type,
+    &kelm_namevalueList_type,
+    &kelm_namevalue_type,
+    &kelm_RemoteLogRequest_type,
+    &kelm_azn_get_entitlements_in_type,
+    &kelm_azn_get_entitlements_out_type,
 };
 
 // The short name: the class name without "asn_" and, when present, without a final "_t".

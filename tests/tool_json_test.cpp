@@ -174,3 +174,34 @@ TEST(ToolJson, ABufferThatDoesNotDecodeGivesTheStatusAndItsMeaning) {
     EXPECT_NE(run.err.find("status 0x10652196"), std::string::npos) << run.err;
     std::remove(path.c_str());
 }
+
+TEST(ToolJson, NestingIsBoundedBeforeAndWhileEncoding) {
+    // `levels` name/value entries, each the only nested entry of the one before.
+    auto nested_document = [](unsigned int levels) {
+        std::string text;
+        for (unsigned int i = 1; i < levels; ++i)
+            text += "{\"nested\": [";
+        text += "{}";
+        for (unsigned int i = 1; i < levels; ++i)
+            text += "]}";
+        return text;
+    };
+    const std::string path = temp_path("deep.json");
+    struct Row {
+        unsigned int levels;
+        int exit_code;
+        const char* expected;
+    } rows[] = {
+        {32, 0, ""},
+        {33, 1, "cannot encode namevalue_s_t: status 0x1065219b (bad encoding)"},
+        {100000, 1, "records nest deeper than 64 levels"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.levels);
+        write_file(path, nested_document(row.levels));
+        const ToolRun run = run_tool("encode namevalue_s_t '" + path + "' -o /dev/null");
+        EXPECT_EQ(run.exit_code, row.exit_code) << run.err;
+        EXPECT_NE(run.err.find(row.expected), std::string::npos) << run.err;
+    }
+    std::remove(path.c_str());
+}

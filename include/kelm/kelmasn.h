@@ -12,6 +12,7 @@
 #include "kelm_asn_buffer.h"
 #include "kelm_der.h"
 #include "kelm_entry.h"
+#include "namevalue.h"
 #include "principal.h"
 
 #endif

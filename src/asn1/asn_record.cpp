@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
 
 namespace {
 
@@ -191,10 +192,25 @@ void kelm_asn_record::throw_memory_error(const char* message, int line) const {
 }
 
 unsigned int kelm_asn_record::set_record(const void* record) {
+    // Every constructed element this record writes (itself, each list, each nested record) takes
+    // one level of the same budget that decoding counts, so that a record too deep to be read
+    // back is refused here with the status decoding would give, before a deep or cyclic record
+    // of the caller can exhaust the stack.
+    kelm_asn_nesting_guard level;
+    if (!level.admitted())
+        return KELM_ASN_BAD_ENCODING;
     const int entry_line = type_.list_failure_lines.entry;
     for (unsigned int i = 0; i < type_.field_count; ++i) {
         const kelm_record_field& f = type_.fields[i];
         kelm_asn_object* element = get_child(i);
+        // A list or slot array is one more constructed level, also when it is empty.
+        const bool is_list = f.kind == kind::record_list || f.kind == kind::record_list16 ||
+                             f.kind == kind::record_pointer_list || f.kind == kind::text_list ||
+                             f.kind == kind::integer_list || f.kind == kind::slots;
+        std::optional<kelm_asn_nesting_guard> list_level;
+        if (is_list && !list_level.emplace().admitted())
+            return KELM_ASN_BAD_ENCODING;
+        unsigned int status = KELM_ASN_OK;
         switch (f.kind) {
         case kind::integer:
         case kind::unsigned_integer:
@@ -229,13 +245,14 @@ unsigned int kelm_asn_record::set_record(const void* record) {
                 field_address(record, f.offset), f.size);
             break;
         case kind::record:
-            static_cast<kelm_asn_record*>(element)->set_record(field_address(record, f.offset));
+            status =
+                static_cast<kelm_asn_record*>(element)->set_record(field_address(record, f.offset));
             break;
         case kind::optional_record: {
             const void* nested = read_field<const void*>(record, f.offset);
             if (nested != nullptr) {
                 auto* present = static_cast<kelm_asn_record*>(element);
-                present->set_record(nested);
+                status = present->set_record(nested);
                 // Present whenever the pointer is set, also when copying the record changed the
                 // validity of none of its elements (an empty attribute list).
                 present->check_valid(0);
@@ -247,11 +264,11 @@ unsigned int kelm_asn_record::set_record(const void* record) {
             const unsigned char* array = read_field<const unsigned char*>(record, f.offset);
             const unsigned int count = array != nullptr ? read_count(f, record) : 0;
             auto* list = static_cast<kelm_asn_composite*>(element);
-            for (unsigned int k = 0; k < count; ++k) {
+            for (unsigned int k = 0; k < count && status == KELM_ASN_OK; ++k) {
                 kelm_asn_record* entry = f.type->ops->add_to_list(*list);
                 if (entry == nullptr)
                     throw_memory_error("ASN: Memory error", entry_line);
-                entry->set_record(array + static_cast<size_t>(k) * f.type->record_size);
+                status = entry->set_record(array + static_cast<size_t>(k) * f.type->record_size);
             }
             break;
         }
@@ -259,19 +276,19 @@ unsigned int kelm_asn_record::set_record(const void* record) {
             void* const* array = read_field<void* const*>(record, f.offset);
             const unsigned int count = array != nullptr ? read_count(f, record) : 0;
             auto* list = static_cast<kelm_asn_composite*>(element);
-            for (unsigned int k = 0; k < count; ++k) {
+            for (unsigned int k = 0; k < count && status == KELM_ASN_OK; ++k) {
                 kelm_asn_record* entry = f.type->ops->add_to_list(*list);
                 if (entry == nullptr)
                     throw_memory_error("ASN: Memory error", entry_line);
                 // A null entry is written as a record of zeros.
                 if (array[k] != nullptr) {
-                    entry->set_record(array[k]);
+                    status = entry->set_record(array[k]);
                 } else {
                     void* zeros = std::calloc(1, f.type->record_size);
                     if (zeros == nullptr)
                         throw_memory_error("ASN: Memory error", entry_line);
                     try {
-                        entry->set_record(zeros);
+                        status = entry->set_record(zeros);
                     } catch (...) {
                         std::free(zeros);
                         throw;
@@ -308,18 +325,20 @@ unsigned int kelm_asn_record::set_record(const void* record) {
         case kind::slots: {
             void* const* slots = reinterpret_cast<void* const*>(field_address(record, f.offset));
             auto* array = static_cast<kelm_asn_composite*>(element);
-            for (unsigned int k = 0; k < f.size; ++k) {
+            for (unsigned int k = 0; k < f.size && status == KELM_ASN_OK; ++k) {
                 const void* slot = read_field<const void*>(slots, k * sizeof(void*));
                 if (slot == nullptr)
                     continue;
                 kelm_asn_record* entry = f.type->ops->fill_slot(*array, k);
                 if (entry == nullptr)
                     throw_memory_error("ASN: Memory error", entry_line);
-                entry->set_record(slot);
+                status = entry->set_record(slot);
             }
             break;
         }
         }
+        if (status != KELM_ASN_OK)
+            return status;
     }
     return KELM_ASN_OK;
 }

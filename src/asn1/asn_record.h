@@ -113,7 +113,9 @@ class KELM_API kelm_asn_record : public kelm_asnbase {
     // The element of field `index`, in table order.
     kelm_asn_object* element(unsigned int index) const { return get_child(index); }
 
-    // Record to elements. Returns 0; exhausted memory is thrown.
+    // Record to elements. Returns 0, or KELM_ASN_BAD_ENCODING for a record whose encoding would
+    // nest deeper than KELM_ASN_MAX_NESTING constructed levels (no decoder could read it back);
+    // exhausted memory is thrown.
     unsigned int set_record(const void* record);
     // Elements to record (cleared first). Returns 0 or the status of a text conversion (0 for a
     // type with KELM_RECORD_IGNORES_ELEMENT_STATUS); exhausted memory is thrown, leaving the
