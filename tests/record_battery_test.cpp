@@ -406,7 +406,13 @@ TEST_P(RecordBattery, EveryAllocationOfAnEncodeAndADecodeFailsCleanly) {
                 EXPECT_EQ(status, 0u);
                 break;
             }
-            EXPECT_EQ(status, 0x10652065u) << err;
+            // A type that ignores its elements' statuses decodes on past a text it cannot
+            // allocate, silently.
+            const bool ignored = direction == 1 && status == 0 && err.empty() &&
+                                 (type.flags & KELM_RECORD_IGNORES_ELEMENT_STATUS);
+            if (!ignored) {
+                EXPECT_EQ(status, 0x10652065u) << err;
+            }
             EXPECT_LE(std::count(err.begin(), err.end(), '\n'), 1) << err;
         }
     }

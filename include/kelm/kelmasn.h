@@ -5,17 +5,21 @@
 #ifndef KELM_KELMASN_H
 #define KELM_KELMASN_H
 
+#include "aclidl.h"
 #include "actionidl.h"
 #include "asnbase.h"
 #include "attrlist.h"
+#include "ekaclobjs.h"
 #include "ekobj.h"
+#include "ekobjs.h"
 #include "ekpopobjs.h"
 #include "eksvr_enc.h"
-#include "ekobjs.h"
 #include "kelm_asn_buffer.h"
 #include "kelm_der.h"
 #include "kelm_entry.h"
+#include "namevalue.h"
 #include "pobj.h"
+#include "principal.h"
 #include "zuauditidl.h"
 
 #endif

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
 
 namespace {
 
@@ -71,6 +72,10 @@ kelm_asn_object* create_element(const kelm_record_field& f, void* where) {
     case kind::optional_record: {
         kelm_asn_object* nested = f.type->ops->create(where, plain);
         nested->set_optional(1);
+        // Absent until a record is copied in: a nested record whose elements are all valid from
+        // the start (an attribute list is one list, present and empty when built) would
+        // otherwise count as present and be written for a NULL pointer.
+        nested->invalidate_value(KELM_INVALIDATE_CONTAINER);
         return nested;
     }
     case kind::record_list:
@@ -196,14 +201,30 @@ int kelm_asn_record::set_secure(security_t sec) {
     return 0;
 }
 
-void kelm_asn_record::throw_memory_error(const char* message) const {
-    throw kelm_asn_memexception(type_.source, type_.source_line, message);
+void kelm_asn_record::throw_memory_error(const char* message, int line) const {
+    throw kelm_asn_memexception(type_.source, line != 0 ? line : type_.source_line, message);
 }
 
 unsigned int kelm_asn_record::set_record(const void* record) {
+    // Every constructed element this record writes (itself, each list, each nested record) takes
+    // one level of the same budget that decoding counts, so that a record too deep to be read
+    // back is refused here with the status decoding would give, before a deep or cyclic record
+    // of the caller can exhaust the stack.
+    kelm_asn_nesting_guard level;
+    if (!level.admitted())
+        return KELM_ASN_BAD_ENCODING;
+    const int entry_line = type_.list_failure_lines.entry;
     for (unsigned int i = 0; i < type_.field_count; ++i) {
         const kelm_record_field& f = type_.fields[i];
         kelm_asn_object* element = get_child(i);
+        // A list or slot array is one more constructed level, also when it is empty.
+        const bool is_list = f.kind == kind::record_list || f.kind == kind::record_list16 ||
+                             f.kind == kind::record_pointer_list || f.kind == kind::text_list ||
+                             f.kind == kind::integer_list || f.kind == kind::slots;
+        std::optional<kelm_asn_nesting_guard> list_level;
+        if (is_list && !list_level.emplace().admitted())
+            return KELM_ASN_BAD_ENCODING;
+        unsigned int status = KELM_ASN_OK;
         switch (f.kind) {
         case kind::integer:
         case kind::unsigned_integer:
@@ -238,12 +259,18 @@ unsigned int kelm_asn_record::set_record(const void* record) {
                 field_address(record, f.offset), f.size);
             break;
         case kind::record:
-            static_cast<kelm_asn_record*>(element)->set_record(field_address(record, f.offset));
+            status =
+                static_cast<kelm_asn_record*>(element)->set_record(field_address(record, f.offset));
             break;
         case kind::optional_record: {
             const void* nested = read_field<const void*>(record, f.offset);
-            if (nested != nullptr)
-                static_cast<kelm_asn_record*>(element)->set_record(nested);
+            if (nested != nullptr) {
+                auto* present = static_cast<kelm_asn_record*>(element);
+                status = present->set_record(nested);
+                // Present whenever the pointer is set, also when copying the record changed the
+                // validity of none of its elements (an empty attribute list).
+                present->check_valid(0);
+            }
             break;
         }
         case kind::record_list:
@@ -251,11 +278,11 @@ unsigned int kelm_asn_record::set_record(const void* record) {
             const unsigned char* array = read_field<const unsigned char*>(record, f.offset);
             const unsigned int count = array != nullptr ? read_count(f, record) : 0;
             auto* list = static_cast<kelm_asn_composite*>(element);
-            for (unsigned int k = 0; k < count; ++k) {
+            for (unsigned int k = 0; k < count && status == KELM_ASN_OK; ++k) {
                 kelm_asn_record* entry = f.type->ops->add_to_list(*list);
                 if (entry == nullptr)
-                    throw_memory_error("ASN: Memory error");
-                entry->set_record(array + static_cast<size_t>(k) * f.type->record_size);
+                    throw_memory_error("ASN: Memory error", entry_line);
+                status = entry->set_record(array + static_cast<size_t>(k) * f.type->record_size);
             }
             break;
         }
@@ -263,19 +290,19 @@ unsigned int kelm_asn_record::set_record(const void* record) {
             void* const* array = read_field<void* const*>(record, f.offset);
             const unsigned int count = array != nullptr ? read_count(f, record) : 0;
             auto* list = static_cast<kelm_asn_composite*>(element);
-            for (unsigned int k = 0; k < count; ++k) {
+            for (unsigned int k = 0; k < count && status == KELM_ASN_OK; ++k) {
                 kelm_asn_record* entry = f.type->ops->add_to_list(*list);
                 if (entry == nullptr)
-                    throw_memory_error("ASN: Memory error");
+                    throw_memory_error("ASN: Memory error", entry_line);
                 // A null entry is written as a record of zeros.
                 if (array[k] != nullptr) {
-                    entry->set_record(array[k]);
+                    status = entry->set_record(array[k]);
                 } else {
                     void* zeros = std::calloc(1, f.type->record_size);
                     if (zeros == nullptr)
-                        throw_memory_error("ASN: Memory error");
+                        throw_memory_error("ASN: Memory error", entry_line);
                     try {
-                        entry->set_record(zeros);
+                        status = entry->set_record(zeros);
                     } catch (...) {
                         std::free(zeros);
                         throw;
@@ -292,7 +319,7 @@ unsigned int kelm_asn_record::set_record(const void* record) {
             for (unsigned int k = 0; k < count; ++k) {
                 kelmasnUTF8String* entry = list->add_child();
                 if (entry == nullptr)
-                    throw_memory_error("ASN: Memory error");
+                    throw_memory_error("ASN: Memory error", entry_line);
                 entry->set_value(array[k]);
             }
             break;
@@ -304,7 +331,7 @@ unsigned int kelm_asn_record::set_record(const void* record) {
             for (unsigned int k = 0; k < count; ++k) {
                 kelmasn_integer* entry = list->add_child();
                 if (entry == nullptr)
-                    throw_memory_error("ASN: Memory error");
+                    throw_memory_error("ASN: Memory error", entry_line);
                 entry->set_value(static_cast<int>(array[k]));
             }
             break;
@@ -312,18 +339,20 @@ unsigned int kelm_asn_record::set_record(const void* record) {
         case kind::slots: {
             void* const* slots = reinterpret_cast<void* const*>(field_address(record, f.offset));
             auto* array = static_cast<kelm_asn_composite*>(element);
-            for (unsigned int k = 0; k < f.size; ++k) {
+            for (unsigned int k = 0; k < f.size && status == KELM_ASN_OK; ++k) {
                 const void* slot = read_field<const void*>(slots, k * sizeof(void*));
                 if (slot == nullptr)
                     continue;
                 kelm_asn_record* entry = f.type->ops->fill_slot(*array, k);
                 if (entry == nullptr)
-                    throw_memory_error("ASN: Memory error");
-                entry->set_record(slot);
+                    throw_memory_error("ASN: Memory error", entry_line);
+                status = entry->set_record(slot);
             }
             break;
         }
         }
+        if (status != KELM_ASN_OK)
+            return status;
     }
     return KELM_ASN_OK;
 }
@@ -333,6 +362,11 @@ unsigned int kelm_asn_record::get_record(void* record) const {
         type_.clear(record);
     else if (!(type_.flags & KELM_RECORD_KEEPS_RECORD))
         std::memset(record, 0, type_.record_size);
+    // A type that ignores its elements' statuses goes on past a text that cannot be copied
+    // (leaving it null) and returns 0; thrown failures stop it all the same.
+    const bool stops_at_failure = !(type_.flags & KELM_RECORD_IGNORES_ELEMENT_STATUS);
+    const int array_line = type_.list_failure_lines.array;
+    const int child_line = type_.list_failure_lines.child;
     for (unsigned int i = 0; i < type_.field_count; ++i) {
         const kelm_record_field& f = type_.fields[i];
         const kelm_asn_object* element = get_child(i);
@@ -366,7 +400,7 @@ unsigned int kelm_asn_record::get_record(void* record) const {
             const unsigned int status =
                 static_cast<const kelmasnUTF8String*>(element)->get_value(text);
             write_field<char*>(record, f.offset, text);
-            if (status != KELM_ASN_OK)
+            if (status != KELM_ASN_OK && stops_at_failure)
                 return status;
             break;
         }
@@ -391,7 +425,7 @@ unsigned int kelm_asn_record::get_record(void* record) const {
         case kind::record: {
             const unsigned int status = static_cast<const kelm_asn_record*>(element)->get_record(
                 field_address(record, f.offset));
-            if (status != KELM_ASN_OK)
+            if (status != KELM_ASN_OK && stops_at_failure)
                 return status;
             break;
         }
@@ -404,7 +438,7 @@ unsigned int kelm_asn_record::get_record(void* record) const {
             write_field<void*>(record, f.offset, nested);
             const unsigned int status =
                 static_cast<const kelm_asn_record*>(element)->get_record(nested);
-            if (status != KELM_ASN_OK)
+            if (status != KELM_ASN_OK && stops_at_failure)
                 return status;
             break;
         }
@@ -423,12 +457,12 @@ unsigned int kelm_asn_record::get_record(void* record) const {
                                                                      : sizeof(void*);
             unsigned char* array = static_cast<unsigned char*>(std::calloc(children, entry_size));
             if (array == nullptr)
-                throw_memory_error("ASN: Memory error");
+                throw_memory_error("ASN: Memory error", array_line);
             write_field<unsigned char*>(record, f.offset, array);
             for (unsigned int k = 0; k < children; ++k) {
                 const kelm_asn_object* child = list->get_child(k);
                 if (child == nullptr)
-                    throw_memory_error("ASN: Memory error");
+                    throw_memory_error("ASN: Memory error", child_line);
                 unsigned char* entry = array + k * entry_size;
                 // Counted before it is filled: a failure part way through an entry leaves it
                 // counted, so that freeing the record releases what it holds.
@@ -439,7 +473,7 @@ unsigned int kelm_asn_record::get_record(void* record) const {
                 } else if (f.kind == kind::record_pointer_list) {
                     void* nested = std::calloc(1, f.type->record_size);
                     if (nested == nullptr)
-                        throw_memory_error("ASN: Memory error");
+                        throw_memory_error("ASN: Memory error", array_line);
                     write_field<void*>(entry, 0, nested);
                     status = static_cast<const kelm_asn_record*>(child)->get_record(nested);
                 } else if (f.kind == kind::text_list) {
@@ -451,7 +485,7 @@ unsigned int kelm_asn_record::get_record(void* record) const {
                     static_cast<const kelmasn_integer*>(child)->get_value(value);
                     write_field<uint32_t>(entry, 0, value);
                 }
-                if (status != KELM_ASN_OK)
+                if (status != KELM_ASN_OK && stops_at_failure)
                     return status;
             }
             break;
@@ -465,10 +499,10 @@ unsigned int kelm_asn_record::get_record(void* record) const {
                     continue;
                 void* nested = std::calloc(1, f.type->record_size);
                 if (nested == nullptr)
-                    throw_memory_error("ASN: Memory error");
+                    throw_memory_error("ASN: Memory error", array_line);
                 write_field<void*>(slots, k * sizeof(void*), nested);
                 const unsigned int status = entry->get_record(nested);
-                if (status != KELM_ASN_OK)
+                if (status != KELM_ASN_OK && stops_at_failure)
                     return status;
             }
             break;

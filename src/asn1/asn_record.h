@@ -68,6 +68,18 @@ struct kelm_record_ops {
 enum : unsigned int {
     // get_record does not clear the record before filling it.
     KELM_RECORD_KEEPS_RECORD = 1,
+    // get_record ignores the statuses of its elements' copies (a text that cannot be allocated
+    // is left null, a nested record's status is dropped) and returns 0.
+    KELM_RECORD_IGNORES_ELEMENT_STATUS = 2,
+};
+
+// Source lines that a type's memory exceptions name, one per failure site of its lists, for a
+// type whose exceptions must name each site apart; a line left 0 names the type's source_line.
+struct kelm_list_failure_lines {
+    int entry = 0; // an entry that cannot be created or added while encoding
+    int array = 0; // an array (or a separately allocated entry) that cannot be allocated while
+                   // decoding
+    int child = 0; // a child missing before the list's count is reached while decoding
 };
 
 struct kelm_record_type {
@@ -83,6 +95,8 @@ struct kelm_record_type {
     // Clears the record before get_record fills it, for a type that clears only some fields;
     // null for the ordinary whole-record clear.
     void (*clear)(void* record);
+    // The lines of this type's list failures, when they name each site apart.
+    kelm_list_failure_lines list_failure_lines = {};
 };
 
 // The message class of a record type: a SEQUENCE whose elements the type's table describes.
@@ -99,10 +113,13 @@ class KELM_API kelm_asn_record : public kelm_asnbase {
     // The element of field `index`, in table order.
     kelm_asn_object* element(unsigned int index) const { return get_child(index); }
 
-    // Record to elements. Returns 0; exhausted memory is thrown.
+    // Record to elements. Returns 0, or KELM_ASN_BAD_ENCODING for a record whose encoding would
+    // nest deeper than KELM_ASN_MAX_NESTING constructed levels (no decoder could read it back);
+    // exhausted memory is thrown.
     unsigned int set_record(const void* record);
-    // Elements to record (cleared first). Returns 0 or the status of a text conversion;
-    // exhausted memory is thrown, leaving the record partly filled but consistent.
+    // Elements to record (cleared first). Returns 0 or the status of a text conversion (0 for a
+    // type with KELM_RECORD_IGNORES_ELEMENT_STATUS); exhausted memory is thrown, leaving the
+    // record partly filled but consistent.
     unsigned int get_record(void* record) const;
     // Releases what get_record allocated in `record`.
     static void free_record(const kelm_record_type& type, void* record);
@@ -124,7 +141,7 @@ class KELM_API kelm_asn_record : public kelm_asnbase {
   private:
     void build_elements();
     void destroy_elements();
-    [[noreturn]] void throw_memory_error(const char* message) const;
+    [[noreturn]] void throw_memory_error(const char* message, int line = 0) const;
 
     const kelm_record_type& type_;
     unsigned char* arena_;     // every element object, built in place

@@ -128,7 +128,7 @@ json field_to_json(const kelm_record_field& f, const void* record) {
 // --- from JSON -------------------------------------------------------------------------------
 
 void record_from_json_at(const kelm_record_type& type, const json& value, void* record,
-                         const std::string& path);
+                         const std::string& path, unsigned int depth);
 
 [[noreturn]] void fail(const std::string& path, const std::string& what) {
     throw JsonFieldError(path + ": " + what);
@@ -194,8 +194,9 @@ const json& array_from(const json& value, const std::string& path) {
     return value;
 }
 
+// `depth` counts the records that hold the field, the outermost included.
 void field_from_json(const kelm_record_field& f, const json& value, const std::string& path,
-                     void* record) {
+                     void* record, unsigned int depth) {
     switch (f.kind) {
     case kind::integer:
         store<int32_t>(record, f.offset,
@@ -238,7 +239,7 @@ void field_from_json(const kelm_record_field& f, const json& value, const std::s
         return;
     }
     case kind::record:
-        record_from_json_at(*f.type, value, at(record, f.offset), path);
+        record_from_json_at(*f.type, value, at(record, f.offset), path, depth + 1);
         return;
     case kind::optional_record: {
         if (value.is_null())
@@ -247,7 +248,7 @@ void field_from_json(const kelm_record_field& f, const json& value, const std::s
         if (nested == nullptr)
             fail(path, "out of memory");
         store<void*>(record, f.offset, nested);
-        record_from_json_at(*f.type, value, nested, path);
+        record_from_json_at(*f.type, value, nested, path, depth + 1);
         return;
     }
     case kind::record_list:
@@ -278,14 +279,14 @@ void field_from_json(const kelm_record_field& f, const json& value, const std::s
             else
                 store<uint32_t>(record, f.aux, filled + 1);
             if (records) {
-                record_from_json_at(*f.type, entry, slot, entry_path);
+                record_from_json_at(*f.type, entry, slot, entry_path, depth + 1);
             } else if (f.kind == kind::record_pointer_list) {
                 if (!entry.is_null()) {
                     void* nested = std::calloc(1, f.type->record_size);
                     if (nested == nullptr)
                         fail(entry_path, "out of memory");
                     store<void*>(slot, 0, nested);
-                    record_from_json_at(*f.type, entry, nested, entry_path);
+                    record_from_json_at(*f.type, entry, nested, entry_path, depth + 1);
                 }
             } else if (f.kind == kind::text_list) {
                 store<char*>(slot, 0, text_from(entry, entry_path));
@@ -308,34 +309,21 @@ void field_from_json(const kelm_record_field& f, const json& value, const std::s
             if (nested == nullptr)
                 fail(path, "out of memory");
             store<void*>(at(record, f.offset), i * sizeof(void*), nested);
-            record_from_json_at(*f.type, list[i], nested, path + "[" + std::to_string(i) + "]");
+            record_from_json_at(*f.type, list[i], nested, path + "[" + std::to_string(i) + "]",
+                                depth + 1);
         }
         return;
     }
     }
 }
 
-// Records nested in the JSON document, counted while they are read. Each record is at least one
-// constructed level on the wire, so a document nested deeper than the decoders' limit could never
-// be read back; refusing it also keeps a recursive type's document from exhausting the stack.
-unsigned int json_record_depth = 0;
-
-class JsonRecordLevel {
-  public:
-    explicit JsonRecordLevel(const std::string& path) {
-        if (json_record_depth >= KELM_ASN_MAX_NESTING)
-            fail(path,
-                 "records nested deeper than " + std::to_string(KELM_ASN_MAX_NESTING) + " levels");
-        ++json_record_depth;
-    }
-    ~JsonRecordLevel() { --json_record_depth; }
-    JsonRecordLevel(const JsonRecordLevel&) = delete;
-    JsonRecordLevel& operator=(const JsonRecordLevel&) = delete;
-};
-
 void record_from_json_at(const kelm_record_type& type, const json& value, void* record,
-                         const std::string& path) {
-    const JsonRecordLevel level(path.empty() ? std::string(type.record_name) : path);
+                         const std::string& path, unsigned int depth) {
+    // Every record is at least one constructed level of its encoding, so a document nested
+    // deeper than the limit could not be encoded; refusing it here also keeps a deeply nested
+    // document from exhausting the stack.
+    if (depth > KELM_ASN_MAX_NESTING)
+        fail(path, "records nest deeper than " + std::to_string(KELM_ASN_MAX_NESTING) + " levels");
     if (!value.is_object())
         fail(path.empty() ? std::string(type.record_name) : path,
              std::string("expected an object for ") + type.record_name);
@@ -352,8 +340,8 @@ void record_from_json_at(const kelm_record_type& type, const json& value, void* 
         auto found = value.find(f.name);
         if (found == value.end())
             continue; // an absent field stays zero or null
-        field_from_json(f, *found, path.empty() ? std::string(f.name) : path + "." + f.name,
-                        record);
+        field_from_json(f, *found, path.empty() ? std::string(f.name) : path + "." + f.name, record,
+                        depth);
     }
 }
 
@@ -367,7 +355,7 @@ json record_to_json(const kelm_record_type& type, const void* record) {
 }
 
 void record_from_json(const kelm_record_type& type, const json& value, void* record) {
-    record_from_json_at(type, value, record, "");
+    record_from_json_at(type, value, record, "", 1);
 }
 
 } // namespace kelmasn_tool

@@ -1,0 +1,74 @@
+// Access control lists: a permission set, an ACL entry, a whole ACL, and the two mappings
+// between protected-object names and ACLs.
+//
+// Ownership: a record filled by a decode entry point owns every string and array it points at;
+// kelmAsnFreeObj releases them (not the record itself).
+#ifndef KELM_ACLIDL_H
+#define KELM_ACLIDL_H
+
+#include <cstddef>
+#include <cstdint>
+
+#include "asn_export.h"
+#include "attrlist.h"
+#include "kelm_asn_buffer.h"
+#include "principal.h"
+
+// A permission set: a list of numbers, each carried with its 32-bit pattern.
+struct acl_permset_s_t {
+    uint32_t perm_count;
+    uint32_t* perms;
+};
+
+// An ACL entry: its permissions, its type and the identity it applies to.
+struct acl_entry_s_t {
+    acl_permset_s_t permset;
+    uint32_t entry_type;
+    sec_id_t id;
+};
+
+// A whole ACL: its name, its entries and its attributes.
+struct acl_ext_s_t {
+    char* name;
+    uint32_t entry_count;
+    acl_entry_s_t* entries;
+    attrlist_s_t attrs;
+};
+
+// Protected-object names mapped to an ACL.
+struct map_pobj_to_acl_s_t {
+    uint32_t name_count;
+    char** names;
+    attrlist_s_t attrs;
+};
+
+// ACL names mapped to protected objects.
+struct map_acl_to_pobj_s_t {
+    uint32_t name_count;
+    char** names;
+    attrlist_s_t attrs;
+};
+
+static_assert(sizeof(acl_permset_s_t) == 16, "acl_permset_s_t layout");
+static_assert(offsetof(acl_permset_s_t, perms) == 8, "acl_permset_s_t layout");
+static_assert(sizeof(acl_entry_s_t) == 48, "acl_entry_s_t layout");
+static_assert(offsetof(acl_entry_s_t, entry_type) == 16, "acl_entry_s_t layout");
+static_assert(offsetof(acl_entry_s_t, id) == 24, "acl_entry_s_t layout");
+static_assert(sizeof(acl_ext_s_t) == 40, "acl_ext_s_t layout");
+static_assert(offsetof(acl_ext_s_t, entry_count) == 8, "acl_ext_s_t layout");
+static_assert(offsetof(acl_ext_s_t, entries) == 16, "acl_ext_s_t layout");
+static_assert(offsetof(acl_ext_s_t, attrs) == 24, "acl_ext_s_t layout");
+static_assert(sizeof(map_pobj_to_acl_s_t) == 32, "map_pobj_to_acl_s_t layout");
+static_assert(offsetof(map_pobj_to_acl_s_t, names) == 8, "map_pobj_to_acl_s_t layout");
+static_assert(offsetof(map_pobj_to_acl_s_t, attrs) == 16, "map_pobj_to_acl_s_t layout");
+static_assert(sizeof(map_acl_to_pobj_s_t) == 32, "map_acl_to_pobj_s_t layout");
+static_assert(offsetof(map_acl_to_pobj_s_t, names) == 8, "map_acl_to_pobj_s_t layout");
+static_assert(offsetof(map_acl_to_pobj_s_t, attrs) == 16, "map_acl_to_pobj_s_t layout");
+
+KELM_DECLARE_ENTRY_POINTS(acl_permset_s_t);
+KELM_DECLARE_ENTRY_POINTS(map_pobj_to_acl_s_t);
+KELM_DECLARE_ENTRY_POINTS(acl_ext_s_t);
+KELM_DECLARE_ENTRY_POINTS(acl_entry_s_t);
+KELM_DECLARE_ENTRY_POINTS(map_acl_to_pobj_s_t);
+
+#endif

@@ -1,0 +1,83 @@
+// Security identities and principals: a security identifier, a privilege-attribute identity, a
+// principal, a chain of principals, and the request and reply of a database fetch.
+//
+// Ownership: a record filled by a decode entry point owns every string, array and nested record
+// it points at (a chain's principals each in a block of their own); kelmAsnFreeObj releases
+// them (not the record itself).
+#ifndef KELM_PRINCIPAL_H
+#define KELM_PRINCIPAL_H
+
+#include <cstddef>
+#include <cstdint>
+
+#include "asn_export.h"
+#include "attrlist.h"
+#include "kelm_asn_buffer.h"
+
+// A security identifier: an identifier and a name.
+struct sec_id_t {
+    uuid_t uuid;
+    char* name;
+};
+
+// A privilege-attribute identity: one identifier and its groups. The group count is 16 bits
+// wide: a decoded list of more than 65535 groups keeps every entry while the count wraps.
+struct sec_id_pa_t {
+    sec_id_t id;
+    uint16_t group_count;
+    sec_id_t* groups;
+};
+
+// A principal: two numbers, an optional identity and optional attributes (NULL when absent).
+struct ekprincipal_s_t {
+    uint32_t first_number;
+    sec_id_pa_t* pa;
+    uint32_t second_number;
+    attrlist_s_t* attrs;
+};
+
+// A chain of principals, each reached through its own pointer.
+struct ekprincipal_chain_s_t {
+    char* chain_name;
+    uint32_t principal_count;
+    ekprincipal_s_t** principals;
+};
+
+// A database fetch request.
+struct dbr_get_db_in_s_t {
+    uint32_t request_number;
+};
+
+// The reply to a database fetch.
+struct dbr_get_db_out_s_t {
+    uint32_t first_number;
+    uint32_t second_number;
+    uint32_t third_number;
+};
+
+static_assert(sizeof(sec_id_t) == 24, "sec_id_t layout");
+static_assert(offsetof(sec_id_t, name) == 16, "sec_id_t layout");
+static_assert(sizeof(sec_id_pa_t) == 40, "sec_id_pa_t is a 40-byte record");
+static_assert(offsetof(sec_id_pa_t, group_count) == 24,
+              "the 16-bit group count follows the inline identity");
+static_assert(offsetof(sec_id_pa_t, groups) == 32,
+              "the group array pointer is on the next 8-byte boundary");
+static_assert(sizeof(ekprincipal_s_t) == 32, "ekprincipal_s_t layout");
+static_assert(offsetof(ekprincipal_s_t, pa) == 8, "ekprincipal_s_t layout");
+static_assert(offsetof(ekprincipal_s_t, second_number) == 16, "ekprincipal_s_t layout");
+static_assert(offsetof(ekprincipal_s_t, attrs) == 24, "ekprincipal_s_t layout");
+static_assert(sizeof(ekprincipal_chain_s_t) == 24, "ekprincipal_chain_s_t layout");
+static_assert(offsetof(ekprincipal_chain_s_t, principal_count) == 8,
+              "ekprincipal_chain_s_t layout");
+static_assert(offsetof(ekprincipal_chain_s_t, principals) == 16, "ekprincipal_chain_s_t layout");
+static_assert(sizeof(dbr_get_db_in_s_t) == 4, "dbr_get_db_in_s_t layout");
+static_assert(sizeof(dbr_get_db_out_s_t) == 12, "dbr_get_db_out_s_t layout");
+
+KELM_DECLARE_ENTRY_POINTS(ekprincipal_chain_s_t);
+KELM_DECLARE_ENTRY_POINTS(ekprincipal_s_t);
+KELM_DECLARE_ENTRY_POINTS(sec_id_pa_t);
+KELM_DECLARE_ENTRY_POINTS(sec_id_t);
+KELM_DECLARE_ENTRY_POINTS(dbr_get_db_in_s_t);
+KELM_DECLARE_ENTRY_POINTS(dbr_get_db_out_s_t);
+
+#endif
