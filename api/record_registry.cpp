@@ -5,6 +5,7 @@
 #include <string>
 
 #include "attrlist_asn.h"
+#include "aznserver_asn.h"
 #include "ekobj_asn.h"
 #include "ekpopobjs_asn.h"
 #include "eksvr_enc_asn.h"
@@ -35,6 +36,21 @@ const kelm_record_type* const kTypes[] = {
     &kelm_ekpop_ipauth2_list_type,
     &kelm_ekpop_ipauth2_type,
     &kelm_ekmap_pobj_to_pop_type,
+    &kelm_aznadmin_gettasklist_in_type,
+    &kelm_aznadmin_gettasklist_out_type,
+    &kelm_aznadmin_performtask_in_type,
+    &kelm_aznadmin_performtask_out_type,
+    &kelm_aznadmin_getobjectlist_in_type,
+    &kelm_aznadmin_getobjectlist_out_type,
+    &kelm_aznadmin_getobject_in_type,
+    &kelm_aznadmin_getobject_out_type,
+    &kelm_aznserver_init_type,
+    &kelm_azn_util_password_in_type,
+    &kelm_azn_util_password_out_type,
+    &kelm_azn_id_get_creds_in_type,
+    &kelm_azn_id_get_creds_out_type,
+    &kelm_azn_decision_ext_in_type,
+    &kelm_azn_decision_ext_out_type,
 };
 
 // The short name: the class name without "asn_" and, when present, without a final "_t".

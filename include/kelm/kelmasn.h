@@ -7,6 +7,7 @@
 
 #include "asnbase.h"
 #include "attrlist.h"
+#include "aznserver.h"
 #include "ekobj.h"
 #include "ekpopobjs.h"
 #include "eksvr_enc.h"
