@@ -7,6 +7,7 @@
 #include "aclidl_asn.h"
 #include "actionidl_asn.h"
 #include "attrlist_asn.h"
+#include "aznserver_asn.h"
 #include "ekaclobjs_asn.h"
 #include "ekobj_asn.h"
 #include "ekpopobjs_asn.h"
@@ -45,6 +46,22 @@ const kelm_record_type* const kTypes[] = {
     &kelm_sec_id_type,
     &kelm_dbr_get_db_in_type,
     &kelm_dbr_get_db_out_type,
+    // authorization server messages
+    &kelm_aznadmin_gettasklist_in_type,
+    &kelm_aznadmin_gettasklist_out_type,
+    &kelm_aznadmin_performtask_in_type,
+    &kelm_aznadmin_performtask_out_type,
+    &kelm_aznadmin_getobjectlist_in_type,
+    &kelm_aznadmin_getobjectlist_out_type,
+    &kelm_aznadmin_getobject_in_type,
+    &kelm_aznadmin_getobject_out_type,
+    &kelm_aznserver_init_type,
+    &kelm_azn_util_password_in_type,
+    &kelm_azn_util_password_out_type,
+    &kelm_azn_id_get_creds_in_type,
+    &kelm_azn_id_get_creds_out_type,
+    &kelm_azn_decision_ext_in_type,
+    &kelm_azn_decision_ext_out_type,
     // ACLs
     &kelm_acl_permset_type,
     &kelm_map_pobj_to_acl_type,

@@ -9,6 +9,7 @@
 #include "actionidl.h"
 #include "asnbase.h"
 #include "attrlist.h"
+#include "aznserver.h"
 #include "ekaclobjs.h"
 #include "ekobj.h"
 #include "ekobjs.h"
