@@ -235,3 +235,16 @@ TEST(ToolTypeCodes, ABareIntegerAndItsFieldErrors) {
     EXPECT_NE(run.err.find("reached by type code"), std::string::npos) << run.err;
     std::remove(path.c_str());
 }
+
+TEST(ToolNesting, ATextStoredWithoutItsNulIsShownWithoutCrashing) {
+    // string1 is "ab" on the wire without the NUL that texts in OCTET STRINGs carry; decoding
+    // passes it on unterminated (kept so), and the tool reads it no further than its block.
+    const std::string der = temp_path("unterminated.der");
+    write_file(der,
+               std::string("\x04\x02\xAC\xDC\x30\x0A\x02\x01\x01\x04\x02\x61\x62\x04\x01\x00", 16));
+    const ToolRun run = run_tool("decode cert_request_in '" + der + "'");
+    EXPECT_EQ(run.exit_code, 0) << run.err;
+    EXPECT_NE(run.out.find("\"string1\": \"ab"), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find("\"string2\": \"\""), std::string::npos) << run.out;
+    std::remove(der.c_str());
+}

@@ -1,6 +1,8 @@
 // Records as JSON, driven by the record types' field tables.
 #include "json_records.h"
 
+#include <malloc.h>
+
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -45,6 +47,14 @@ json text_json(const char* text) {
     return text != nullptr ? json(text) : json(nullptr);
 }
 
+// A text kept in an OCTET STRING comes back without a NUL when the stored value had none (kept so
+// for existing buffers): it is read no further than its own heap block.
+json octet_text_json(const char* text) {
+    if (text == nullptr)
+        return nullptr;
+    return json(std::string(text, strnlen(text, malloc_usable_size(const_cast<char*>(text)))));
+}
+
 unsigned int count_of(const kelm_record_field& f, const void* record) {
     return f.kind == kind::record_list16 ? load<uint16_t>(record, f.aux)
                                          : load<uint32_t>(record, f.aux);
@@ -61,8 +71,9 @@ json field_to_json(const kelm_record_field& f, const void* record) {
     case kind::unsigned8:
         return load<uint8_t>(record, f.offset);
     case kind::text:
-    case kind::octet_text:
         return text_json(load<const char*>(record, f.offset));
+    case kind::octet_text:
+        return octet_text_json(load<const char*>(record, f.offset));
     case kind::bytes: {
         const unsigned char* data = load<const unsigned char*>(record, f.offset);
         return hex(data, data != nullptr ? load<uint32_t>(record, f.aux) : 0);

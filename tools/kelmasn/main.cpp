@@ -150,7 +150,9 @@ int run_decode_by_code(const kelmasn_tool::TypeCodeRecord& type, const std::stri
     const unsigned int status = kelmasn_decode_obj(version, buffer, type.code, record.bytes);
     if (status != 0)
         return complain(path + ": cannot decode " + type.name + ": " + status_line(status));
-    std::cout << kelmasn_tool::record_to_json(*type.json_fields, record.bytes).dump(2) << "\n";
+    std::cout << kelmasn_tool::record_to_json(*type.json_fields, record.bytes)
+                     .dump(2, ' ', false, nlohmann::json::error_handler_t::replace)
+              << "\n";
     return 0;
 }
 
@@ -216,7 +218,9 @@ int run_decode(const std::string& type_name, const std::string& path, bool local
                                 local ? KELM_SECURITY_LOCAL_CODESET : KELM_SECURITY_PLAIN);
     if (status != 0)
         return complain(path + ": cannot decode " + type->record_name + ": " + status_line(status));
-    std::cout << kelmasn_tool::record_to_json(*type, record.bytes).dump(2) << "\n";
+    std::cout << kelmasn_tool::record_to_json(*type, record.bytes)
+                     .dump(2, ' ', false, nlohmann::json::error_handler_t::replace)
+              << "\n";
     return 0;
 }
 
