@@ -32,17 +32,13 @@ const kelm_record_field ekaction_groups_fields[] = {
     {kind::record, "attrs", offsetof(ekaction_groups_s_t, attrs), 0, 0, &kelm_attrlist_type},
 };
 
-template <size_t N> constexpr unsigned int count_of(const kelm_record_field (&)[N]) {
-    return N;
-}
-
 } // namespace
 
 const kelm_record_type kelm_ekaction_type = {"asn_ekaction_t",
                                              "ekaction_s_t",
                                              sizeof(ekaction_s_t),
                                              ekaction_fields,
-                                             count_of(ekaction_fields),
+                                             kelm_field_count(ekaction_fields),
                                              &kelm_record_ops_for<asn_ekaction_t>,
                                              __FILE__,
                                              __LINE__,
@@ -53,7 +49,7 @@ const kelm_record_type kelm_ekaction_group_type = {"asn_ekaction_group_t",
                                                    "ekaction_group_s_t",
                                                    sizeof(ekaction_group_s_t),
                                                    ekaction_group_fields,
-                                                   count_of(ekaction_group_fields),
+                                                   kelm_field_count(ekaction_group_fields),
                                                    &kelm_record_ops_for<asn_ekaction_group_t>,
                                                    __FILE__,
                                                    __LINE__,
@@ -64,7 +60,7 @@ const kelm_record_type kelm_ekaction_groups_type = {"asn_ekaction_groups_t",
                                                     "ekaction_groups_s_t",
                                                     sizeof(ekaction_groups_s_t),
                                                     ekaction_groups_fields,
-                                                    count_of(ekaction_groups_fields),
+                                                    kelm_field_count(ekaction_groups_fields),
                                                     &kelm_record_ops_for<asn_ekaction_groups_t>,
                                                     __FILE__,
                                                     __LINE__,

@@ -35,17 +35,13 @@ const kelm_record_field attrlist_fields[] = {
      0, &kelm_attr_type},
 };
 
-template <size_t N> constexpr unsigned int count_of(const kelm_record_field (&)[N]) {
-    return N;
-}
-
 } // namespace
 
 const kelm_record_type kelm_uuid_type = {"asn_uuid_t",
                                          "uuid_t",
                                          sizeof(uuid_t),
                                          uuid_fields,
-                                         count_of(uuid_fields),
+                                         kelm_field_count(uuid_fields),
                                          &kelm_record_ops_for<asn_uuid_t>,
                                          __FILE__,
                                          __LINE__,
@@ -56,7 +52,7 @@ const kelm_record_type kelm_value_type = {"asn_value_t",
                                           "value_s_t",
                                           sizeof(value_s_t),
                                           value_fields,
-                                          count_of(value_fields),
+                                          kelm_field_count(value_fields),
                                           &kelm_record_ops_for<asn_value_t>,
                                           __FILE__,
                                           __LINE__,
@@ -67,7 +63,7 @@ const kelm_record_type kelm_attr_type = {"asn_attr_t",
                                          "attr_s_t",
                                          sizeof(attr_s_t),
                                          attr_fields,
-                                         count_of(attr_fields),
+                                         kelm_field_count(attr_fields),
                                          &kelm_record_ops_for<asn_attr_t>,
                                          __FILE__,
                                          __LINE__,
@@ -78,7 +74,7 @@ const kelm_record_type kelm_attrlist_type = {"asn_attrlist_t",
                                              "attrlist_s_t",
                                              sizeof(attrlist_s_t),
                                              attrlist_fields,
-                                             count_of(attrlist_fields),
+                                             kelm_field_count(attrlist_fields),
                                              &kelm_record_ops_for<asn_attrlist_t>,
                                              __FILE__,
                                              __LINE__,

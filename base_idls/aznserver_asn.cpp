@@ -10,10 +10,6 @@ namespace {
 
 using kind = kelm_field_kind;
 
-template <size_t N> constexpr unsigned int count_of(const kelm_record_field (&)[N]) {
-    return N;
-}
-
 const kelm_record_field gettasklist_in_fields[] = {
     {kind::record, "chain", offsetof(aznadmin_gettasklist_in_s_t, chain), 0, 0,
      &kelm_ekprincipal_chain_type},
@@ -132,8 +128,8 @@ const kelm_record_field decision_out_fields[] = {
 
 #define KELM_AZNSERVER_TYPE(Class, Record, Fields)                                                 \
     {                                                                                              \
-#Class, #Record, sizeof(Record), Fields, count_of(Fields), &kelm_record_ops_for < Class>,  \
-            __FILE__, __LINE__, 0, nullptr                                                         \
+#Class, #Record, sizeof(Record), Fields, kelm_field_count(Fields),                         \
+            &kelm_record_ops_for < Class>, __FILE__, __LINE__, 0, nullptr                          \
     }
 
 const kelm_record_type kelm_aznadmin_gettasklist_in_type = KELM_AZNSERVER_TYPE(

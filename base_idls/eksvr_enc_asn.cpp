@@ -29,17 +29,13 @@ const kelm_record_field aznlocal_svr_fields[] = {
     {kind::record, "attrs", offsetof(aznlocal_svr_s_t, attrs), 0, 0, &kelm_attrlist_type},
 };
 
-template <size_t N> constexpr unsigned int count_of(const kelm_record_field (&)[N]) {
-    return N;
-}
-
 } // namespace
 
 const kelm_record_type kelm_aznadmsvc_type = {"asn_aznadmsvc_t",
                                               "aznadmsvc_s_t",
                                               sizeof(aznadmsvc_s_t),
                                               aznadmsvc_fields,
-                                              count_of(aznadmsvc_fields),
+                                              kelm_field_count(aznadmsvc_fields),
                                               &kelm_record_ops_for<asn_aznadmsvc_t>,
                                               __FILE__,
                                               __LINE__,
@@ -50,7 +46,7 @@ const kelm_record_type kelm_aznlocal_svr_type = {"asn_aznlocal_svr_t",
                                                  "aznlocal_svr_s_t",
                                                  sizeof(aznlocal_svr_s_t),
                                                  aznlocal_svr_fields,
-                                                 count_of(aznlocal_svr_fields),
+                                                 kelm_field_count(aznlocal_svr_fields),
                                                  &kelm_record_ops_for<asn_aznlocal_svr_t>,
                                                  __FILE__,
                                                  __LINE__,

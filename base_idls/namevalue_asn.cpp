@@ -52,17 +52,13 @@ const kelm_record_field azn_get_entitlements_out_fields[] = {
      nullptr},
 };
 
-template <size_t N> constexpr unsigned int count_of(const kelm_record_field (&)[N]) {
-    return N;
-}
-
 } // namespace
 
 const kelm_record_type kelm_namevalue_type = {"asn_namevalue_t",
                                               "namevalue_s_t",
                                               sizeof(namevalue_s_t),
                                               namevalue_fields,
-                                              count_of(namevalue_fields),
+                                              kelm_field_count(namevalue_fields),
                                               &kelm_record_ops_for<asn_namevalue_t>,
                                               kSource,
                                               __LINE__,
@@ -73,7 +69,7 @@ const kelm_record_type kelm_namevalueList_type = {"asn_namevalueList_t",
                                                   "namevalueList_s_t",
                                                   sizeof(namevalueList_s_t),
                                                   namevalueList_fields,
-                                                  count_of(namevalueList_fields),
+                                                  kelm_field_count(namevalueList_fields),
                                                   &kelm_record_ops_for<asn_namevalueList_t>,
                                                   kSource,
                                                   __LINE__,
@@ -84,7 +80,7 @@ const kelm_record_type kelm_RemoteLogRequest_type = {"asn_RemoteLogRequest",
                                                      "remote_log_request",
                                                      sizeof(remote_log_request),
                                                      RemoteLogRequest_fields,
-                                                     count_of(RemoteLogRequest_fields),
+                                                     kelm_field_count(RemoteLogRequest_fields),
                                                      &kelm_record_ops_for<asn_RemoteLogRequest>,
                                                      kSource,
                                                      __LINE__,
@@ -97,7 +93,7 @@ const kelm_record_type kelm_azn_get_entitlements_in_type = {
     "azn_get_entitlements_in_s_t",
     sizeof(azn_get_entitlements_in_s_t),
     azn_get_entitlements_in_fields,
-    count_of(azn_get_entitlements_in_fields),
+    kelm_field_count(azn_get_entitlements_in_fields),
     &kelm_record_ops_for<asn_azn_get_entitlements_in_t>,
     kSource,
     __LINE__,
@@ -109,7 +105,7 @@ const kelm_record_type kelm_azn_get_entitlements_out_type = {
     "azn_get_entitlements_out_s_t",
     sizeof(azn_get_entitlements_out_s_t),
     azn_get_entitlements_out_fields,
-    count_of(azn_get_entitlements_out_fields),
+    kelm_field_count(azn_get_entitlements_out_fields),
     &kelm_record_ops_for<asn_azn_get_entitlements_out_t>,
     kSource,
     __LINE__,

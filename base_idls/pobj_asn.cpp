@@ -26,17 +26,13 @@ const kelm_record_field azn_internal_pobj_fields[] = {
     {kind::text, "internal_name", offsetof(azn_internal_pobj_s_t, internal_name), 0, 0, nullptr},
 };
 
-template <size_t N> constexpr unsigned int count_of(const kelm_record_field (&)[N]) {
-    return N;
-}
-
 } // namespace
 
 const kelm_record_type kelm_pobjspace_type = {"asn_pobjspace_t",
                                               "pobjspace_s_t",
                                               sizeof(pobjspace_s_t),
                                               pobjspace_fields,
-                                              count_of(pobjspace_fields),
+                                              kelm_field_count(pobjspace_fields),
                                               &kelm_record_ops_for<asn_pobjspace_t>,
                                               __FILE__,
                                               __LINE__,
@@ -47,7 +43,7 @@ const kelm_record_type kelm_pobj_type = {"asn_pobj_t",
                                          "pobj_s_t",
                                          sizeof(pobj_s_t),
                                          pobj_fields,
-                                         count_of(pobj_fields),
+                                         kelm_field_count(pobj_fields),
                                          &kelm_record_ops_for<asn_pobj_t>,
                                          __FILE__,
                                          __LINE__,
@@ -58,7 +54,7 @@ const kelm_record_type kelm_azn_internal_pobj_type = {"asn_azn_internal_pobj_t",
                                                       "azn_internal_pobj_s_t",
                                                       sizeof(azn_internal_pobj_s_t),
                                                       azn_internal_pobj_fields,
-                                                      count_of(azn_internal_pobj_fields),
+                                                      kelm_field_count(azn_internal_pobj_fields),
                                                       &kelm_record_ops_for<asn_azn_internal_pobj_t>,
                                                       __FILE__,
                                                       __LINE__,

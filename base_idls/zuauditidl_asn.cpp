@@ -35,17 +35,13 @@ const kelm_record_field zuauditevent_fields[] = {
      offsetof(zuauditevent_s_t, element_count), 0, &kelm_zuauditelement_type},
 };
 
-template <size_t N> constexpr unsigned int count_of(const kelm_record_field (&)[N]) {
-    return N;
-}
-
 } // namespace
 
 const kelm_record_type kelm_zuauditattribute_type = {"asn_zuauditattribute_t",
                                                      "zuauditattribute_s_t",
                                                      sizeof(zuauditattribute_s_t),
                                                      zuauditattribute_fields,
-                                                     count_of(zuauditattribute_fields),
+                                                     kelm_field_count(zuauditattribute_fields),
                                                      &kelm_record_ops_for<asn_zuauditattribute_t>,
                                                      __FILE__,
                                                      __LINE__,
@@ -56,7 +52,7 @@ const kelm_record_type kelm_zuauditelement_type = {"asn_zuauditelement_t",
                                                    "zuauditelement_s_t",
                                                    sizeof(zuauditelement_s_t),
                                                    zuauditelement_fields,
-                                                   count_of(zuauditelement_fields),
+                                                   kelm_field_count(zuauditelement_fields),
                                                    &kelm_record_ops_for<asn_zuauditelement_t>,
                                                    __FILE__,
                                                    __LINE__,
@@ -67,7 +63,7 @@ const kelm_record_type kelm_zuauditevent_type = {"asn_zuauditevent_t",
                                                  "zuauditevent_s_t",
                                                  sizeof(zuauditevent_s_t),
                                                  zuauditevent_fields,
-                                                 count_of(zuauditevent_fields),
+                                                 kelm_field_count(zuauditevent_fields),
                                                  &kelm_record_ops_for<asn_zuauditevent_t>,
                                                  __FILE__,
                                                  __LINE__,

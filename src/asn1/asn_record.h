@@ -99,6 +99,11 @@ struct kelm_record_type {
     kelm_list_failure_lines list_failure_lines = {};
 };
 
+// The number of fields of a table, for a kelm_record_type's field_count.
+template <size_t N> constexpr unsigned int kelm_field_count(const kelm_record_field (&)[N]) {
+    return N;
+}
+
 // The message class of a record type: a SEQUENCE whose elements the type's table describes.
 class KELM_API kelm_asn_record : public kelm_asnbase {
   public:

@@ -12,10 +12,6 @@ namespace {
 
 using kind = kelm_field_kind;
 
-template <size_t N> constexpr unsigned int count_of(const kelm_record_field (&)[N]) {
-    return N;
-}
-
 const kelm_record_field cert_request_fields[] = {
     {kind::octet_text, "string1", offsetof(cert_request_in, string1), 0, 0, nullptr},
     {kind::octet_text, "string2", offsetof(cert_request_in, string2), 0, 0, nullptr},
@@ -33,7 +29,7 @@ const kelm_record_type ekobj_update_json = {"kelm_asn_ekobj_update_t",
                                             "ekobj_update_s_t",
                                             sizeof(ekobj_update_s_t),
                                             ekobj_update_fields,
-                                            count_of(ekobj_update_fields),
+                                            kelm_field_count(ekobj_update_fields),
                                             nullptr,
                                             __FILE__,
                                             __LINE__,
@@ -53,7 +49,7 @@ const kelm_record_type cert_request_json = {"kelm_asn_cert_request_in",
                                             "cert_request_in",
                                             sizeof(cert_request_in),
                                             cert_request_fields,
-                                            count_of(cert_request_fields),
+                                            kelm_field_count(cert_request_fields),
                                             nullptr,
                                             __FILE__,
                                             __LINE__,
@@ -64,16 +60,23 @@ const kelm_record_type ekobj_update_list_json = {"kelm_asn_ekobj_update_list_t",
                                                  "ekobj_update_list_s_t",
                                                  sizeof(ekobj_update_list_s_t),
                                                  ekobj_update_list_fields,
-                                                 count_of(ekobj_update_list_fields),
+                                                 kelm_field_count(ekobj_update_list_fields),
                                                  nullptr,
                                                  __FILE__,
                                                  __LINE__,
                                                  0,
                                                  nullptr};
 
-const kelm_record_type integer_json = {
-    "kelm_asn_integer", "int",    sizeof(int), integer_fields, count_of(integer_fields), nullptr,
-    __FILE__,           __LINE__, 0,           nullptr};
+const kelm_record_type integer_json = {"kelm_asn_integer",
+                                       "int",
+                                       sizeof(int),
+                                       integer_fields,
+                                       kelm_field_count(integer_fields),
+                                       nullptr,
+                                       __FILE__,
+                                       __LINE__,
+                                       0,
+                                       nullptr};
 
 const TypeCodeRecord kRecords[] = {
     {"cert_request_in", "kelm_asn_cert_request_in", KELMASN_TYPE_CERT_REQUEST, &cert_request_json},
