@@ -13,20 +13,10 @@
 
 using kelm_test::Bytes;
 using kelm_test::bytes_of;
+using kelm_test::decode_bytes;
 using kelm_test::dup_text;
+using kelm_test::encoded;
 using kelm_test::with_header;
-
-namespace {
-
-template <class Record> Bytes encoded(Record& record) {
-    kelm_asn_buffer_t out{0, nullptr};
-    EXPECT_EQ(kelmAsnEncodeObj(out, record), 0u);
-    Bytes bytes = bytes_of(out);
-    kelm_asn_buffer_free(out);
-    return bytes;
-}
-
-} // namespace
 
 TEST(AznServer, ARequestWhoseChainHasNoPrincipalsWritesTheNameAndAnEmptyList) {
     aznadmin_gettasklist_in_s_t request{};

@@ -15,26 +15,11 @@
 using kelm_test::buffer_over;
 using kelm_test::Bytes;
 using kelm_test::bytes_of;
+using kelm_test::decode_bytes;
 using kelm_test::dup_text;
+using kelm_test::encoded;
 using kelm_test::text_array;
 using kelm_test::with_header;
-
-namespace {
-
-template <class Record> Bytes encoded(Record& record) {
-    kelm_asn_buffer_t out{0, nullptr};
-    EXPECT_EQ(kelmAsnEncodeObj(out, record), 0u);
-    Bytes bytes = out.data != nullptr ? bytes_of(out) : Bytes();
-    kelm_asn_buffer_free(out);
-    return bytes;
-}
-
-template <class Record> unsigned int decode_bytes(Bytes bytes, Record& record) {
-    kelm_asn_buffer_t in = buffer_over(bytes);
-    return kelmAsnDecodeObj(in, record);
-}
-
-} // namespace
 
 // --- pobj_s_t --------------------------------------------------------------------------------
 

@@ -34,6 +34,22 @@ inline kelm_asn_buffer_t buffer_over(Bytes& bytes) {
     return kelm_asn_buffer_t{bytes.size(), bytes.data()};
 }
 
+// Encodes `record` with the plain typed entry point and returns the bytes (none on failure, which
+// the expectation reports).
+template <class Record> Bytes encoded(Record& record) {
+    kelm_asn_buffer_t out{0, nullptr};
+    EXPECT_EQ(kelmAsnEncodeObj(out, record), 0u);
+    Bytes bytes = out.data != nullptr ? bytes_of(out) : Bytes();
+    kelm_asn_buffer_free(out);
+    return bytes;
+}
+
+// Decodes `bytes` into `record` with the plain typed entry point; the status of the call.
+template <class Record> unsigned int decode_bytes(Bytes bytes, Record& record) {
+    kelm_asn_buffer_t in = buffer_over(bytes);
+    return kelmAsnDecodeObj(in, record);
+}
+
 // The line that the entry points write for a memory exception thrown by the mechanism on behalf
 // of record type `type`.
 inline std::string memory_error_line(const kelm_record_type& type, const char* message) {
