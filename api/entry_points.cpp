@@ -1,16 +1,9 @@
-// The typed entry points of the attribute types, the header query and the buffer utilities.
+// The header query and the buffer utilities.
 #include <cstdlib>
 #include <cstring>
 
-#include "attrlist_asn.h"
-#include "entry_points_internal.h"
-#include "kelm/attrlist.h"
+#include "asnutils.h"
 #include "kelm/kelm_entry.h"
-
-KELM_DEFINE_ENTRY_POINTS(kelm_uuid_type, uuid_t)
-KELM_DEFINE_ENTRY_POINTS(kelm_value_type, value_s_t)
-KELM_DEFINE_ENTRY_POINTS(kelm_attr_type, attr_s_t)
-KELM_DEFINE_ENTRY_POINTS(kelm_attrlist_type, attrlist_s_t)
 
 unsigned int kelmasn_version(const kelm_asn_buffer_t& buffer, unsigned int& flag) {
     return kelm_asnbase::get_encoded_version(buffer, flag);

@@ -3,66 +3,25 @@
 // filled slot; on input only the first 32 entries are read.
 #include "actionidl_asn.h"
 
-#include <cstddef>
+#include "asn_record_declare.h"
 
 namespace {
 
-using kind = kelm_field_kind;
-
-const kelm_record_field ekaction_fields[] = {
-    {kind::unsigned_integer, "action_number", offsetof(ekaction_s_t, action_number), 0, 0, nullptr},
-    {kind::text, "action_name", offsetof(ekaction_s_t, action_name), 0, 0, nullptr},
-    {kind::text, "action_label", offsetof(ekaction_s_t, action_label), 0, 0, nullptr},
-    {kind::text, "action_text", offsetof(ekaction_s_t, action_text), 0, 0, nullptr},
-    {kind::unsigned_integer, "first_number", offsetof(ekaction_s_t, first_number), 0, 0, nullptr},
-    {kind::unsigned_integer, "second_number", offsetof(ekaction_s_t, second_number), 0, 0, nullptr},
-    {kind::record, "attrs", offsetof(ekaction_s_t, attrs), 0, 0, &kelm_attrlist_type},
-};
-
-const kelm_record_field ekaction_group_fields[] = {
-    {kind::text, "group_name", offsetof(ekaction_group_s_t, group_name), 0, 0, nullptr},
-    {kind::slots, "actions", offsetof(ekaction_group_s_t, actions), 0, kelm_action_slot_count,
-     &kelm_ekaction_type},
-    {kind::record, "attrs", offsetof(ekaction_group_s_t, attrs), 0, 0, &kelm_attrlist_type},
-};
-
-const kelm_record_field ekaction_groups_fields[] = {
-    {kind::slots, "groups", offsetof(ekaction_groups_s_t, groups), 0, kelm_action_slot_count,
-     &kelm_ekaction_group_type},
-    {kind::record, "attrs", offsetof(ekaction_groups_s_t, attrs), 0, 0, &kelm_attrlist_type},
-};
+// The source that this module's memory exceptions name, as existing callers match it.
+constexpr const char kSource[] = "base_idls/actionidl_asn.cpp";
 
 } // namespace
 
-const kelm_record_type kelm_ekaction_type = {"asn_ekaction_t",
-                                             "ekaction_s_t",
-                                             sizeof(ekaction_s_t),
-                                             ekaction_fields,
-                                             kelm_field_count(ekaction_fields),
-                                             &kelm_record_ops_for<asn_ekaction_t>,
-                                             __FILE__,
-                                             __LINE__,
-                                             0,
-                                             nullptr};
+KELM_DEFINE_RECORD_TYPE(kelm_ekaction_type, asn_ekaction_t, ekaction_s_t, kelm_site(kSource, 44),
+                        kelm_no_quirks, KELM_SIGNED_VIEW(action_number), KELM_FIELD(action_name),
+                        KELM_FIELD(action_label), KELM_FIELD(action_text),
+                        KELM_SIGNED_VIEW(first_number), KELM_SIGNED_VIEW(second_number),
+                        KELM_FIELD(attrs));
 
-const kelm_record_type kelm_ekaction_group_type = {"asn_ekaction_group_t",
-                                                   "ekaction_group_s_t",
-                                                   sizeof(ekaction_group_s_t),
-                                                   ekaction_group_fields,
-                                                   kelm_field_count(ekaction_group_fields),
-                                                   &kelm_record_ops_for<asn_ekaction_group_t>,
-                                                   __FILE__,
-                                                   __LINE__,
-                                                   0,
-                                                   nullptr};
+KELM_DEFINE_RECORD_TYPE(kelm_ekaction_group_type, asn_ekaction_group_t, ekaction_group_s_t,
+                        kelm_site(kSource, 55), kelm_no_quirks, KELM_FIELD(group_name),
+                        KELM_FIELD(actions), KELM_FIELD(attrs));
 
-const kelm_record_type kelm_ekaction_groups_type = {"asn_ekaction_groups_t",
-                                                    "ekaction_groups_s_t",
-                                                    sizeof(ekaction_groups_s_t),
-                                                    ekaction_groups_fields,
-                                                    kelm_field_count(ekaction_groups_fields),
-                                                    &kelm_record_ops_for<asn_ekaction_groups_t>,
-                                                    __FILE__,
-                                                    __LINE__,
-                                                    0,
-                                                    nullptr};
+KELM_DEFINE_RECORD_TYPE(kelm_ekaction_groups_type, asn_ekaction_groups_t, ekaction_groups_s_t,
+                        kelm_site(kSource, 66), kelm_no_quirks, KELM_FIELD(groups),
+                        KELM_FIELD(attrs));

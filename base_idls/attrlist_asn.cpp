@@ -1,82 +1,26 @@
 // Identifiers, typed values, attributes and attribute lists, declared as field tables.
 #include "attrlist_asn.h"
 
-#include <cstddef>
+#include "asn_record_declare.h"
 
 namespace {
 
-using kind = kelm_field_kind;
-
-const kelm_record_field uuid_fields[] = {
-    {kind::unsigned_integer, "time_low", offsetof(uuid_t, time_low), 0, 0, nullptr},
-    {kind::unsigned16, "time_mid", offsetof(uuid_t, time_mid), 0, 0, nullptr},
-    {kind::unsigned16, "time_hi_and_version", offsetof(uuid_t, time_hi_and_version), 0, 0, nullptr},
-    {kind::unsigned8, "clock_seq_hi_and_reserved", offsetof(uuid_t, clock_seq_hi_and_reserved), 0,
-     0, nullptr},
-    {kind::unsigned8, "clock_seq_low", offsetof(uuid_t, clock_seq_low), 0, 0, nullptr},
-    {kind::fixed_bytes, "node", offsetof(uuid_t, node), 0, 6, nullptr},
-};
-
-const kelm_record_field value_fields[] = {
-    {kind::unsigned_integer, "value_type", offsetof(value_s_t, value_type), 0, 0, nullptr},
-    {kind::text, "str_value", offsetof(value_s_t, str_value), 0, 0, nullptr},
-    {kind::bytes, "bin_value", offsetof(value_s_t, bin_value), offsetof(value_s_t, bin_length), 0,
-     nullptr},
-};
-
-const kelm_record_field attr_fields[] = {
-    {kind::text, "name", offsetof(attr_s_t, name), 0, 0, nullptr},
-    {kind::record_list, "values", offsetof(attr_s_t, values), offsetof(attr_s_t, value_count), 0,
-     &kelm_value_type},
-};
-
-const kelm_record_field attrlist_fields[] = {
-    {kind::record_list, "attrs", offsetof(attrlist_s_t, attrs), offsetof(attrlist_s_t, attr_count),
-     0, &kelm_attr_type},
-};
+// The source that this module's memory exceptions name, as existing callers match it.
+constexpr const char kSource[] = "base_idls/attrlist_asn.cpp";
 
 } // namespace
 
-const kelm_record_type kelm_uuid_type = {"asn_uuid_t",
-                                         "uuid_t",
-                                         sizeof(uuid_t),
-                                         uuid_fields,
-                                         kelm_field_count(uuid_fields),
-                                         &kelm_record_ops_for<asn_uuid_t>,
-                                         __FILE__,
-                                         __LINE__,
-                                         0,
-                                         nullptr};
+KELM_DEFINE_RECORD_TYPE(kelm_uuid_type, asn_uuid_t, uuid_t, kelm_site(kSource, 47), kelm_no_quirks,
+                        KELM_SIGNED_VIEW(time_low), KELM_FIELD(time_mid),
+                        KELM_FIELD(time_hi_and_version), KELM_FIELD(clock_seq_hi_and_reserved),
+                        KELM_FIELD(clock_seq_low), KELM_FIELD(node));
 
-const kelm_record_type kelm_value_type = {"asn_value_t",
-                                          "value_s_t",
-                                          sizeof(value_s_t),
-                                          value_fields,
-                                          kelm_field_count(value_fields),
-                                          &kelm_record_ops_for<asn_value_t>,
-                                          __FILE__,
-                                          __LINE__,
-                                          0,
-                                          nullptr};
+KELM_DEFINE_RECORD_TYPE(kelm_value_type, asn_value_t, value_s_t, kelm_site(kSource, 58),
+                        kelm_no_quirks, KELM_SIGNED_VIEW(value_type), KELM_FIELD(str_value),
+                        KELM_BYTES(bin_value, bin_length));
 
-const kelm_record_type kelm_attr_type = {"asn_attr_t",
-                                         "attr_s_t",
-                                         sizeof(attr_s_t),
-                                         attr_fields,
-                                         kelm_field_count(attr_fields),
-                                         &kelm_record_ops_for<asn_attr_t>,
-                                         __FILE__,
-                                         __LINE__,
-                                         0,
-                                         nullptr};
+KELM_DEFINE_RECORD_TYPE(kelm_attr_type, asn_attr_t, attr_s_t, kelm_site(kSource, 69),
+                        kelm_no_quirks, KELM_FIELD(name), KELM_LIST(values, value_count));
 
-const kelm_record_type kelm_attrlist_type = {"asn_attrlist_t",
-                                             "attrlist_s_t",
-                                             sizeof(attrlist_s_t),
-                                             attrlist_fields,
-                                             kelm_field_count(attrlist_fields),
-                                             &kelm_record_ops_for<asn_attrlist_t>,
-                                             __FILE__,
-                                             __LINE__,
-                                             0,
-                                             nullptr};
+KELM_DEFINE_RECORD_TYPE(kelm_attrlist_type, asn_attrlist_t, attrlist_s_t, kelm_site(kSource, 80),
+                        kelm_no_quirks, KELM_LIST(attrs, attr_count));

@@ -1,164 +1,77 @@
 // The authorization server's requests and replies, declared as field tables.
 #include "aznserver_asn.h"
 
-#include <cstddef>
-
+#include "asn_record_declare.h"
 #include "eksvr_enc_asn.h"
 #include "principal_asn.h"
 
-namespace {
+// The source that this module's memory exceptions name, as existing callers match it.
+constexpr const char kSource[] = "base_idls/aznserver_asn.cpp";
 
-using kind = kelm_field_kind;
+KELM_DEFINE_RECORD_TYPE(kelm_aznadmin_gettasklist_in_type, asn_aznadmin_gettasklist_in_t,
+                        aznadmin_gettasklist_in_s_t, kelm_site(kSource, 135), kelm_no_quirks,
+                        KELM_FIELD(chain), KELM_FIELD(admin_string1), KELM_FIELD(attrs));
 
-const kelm_record_field gettasklist_in_fields[] = {
-    {kind::record, "chain", offsetof(aznadmin_gettasklist_in_s_t, chain), 0, 0,
-     &kelm_ekprincipal_chain_type},
-    {kind::text, "admin_string1", offsetof(aznadmin_gettasklist_in_s_t, admin_string1), 0, 0,
-     nullptr},
-    {kind::record, "attrs", offsetof(aznadmin_gettasklist_in_s_t, attrs), 0, 0,
-     &kelm_attrlist_type},
-};
+KELM_DEFINE_RECORD_TYPE(kelm_aznadmin_gettasklist_out_type, asn_aznadmin_gettasklist_out_t,
+                        aznadmin_gettasklist_out_s_t, kelm_site(kSource, 137), kelm_no_quirks,
+                        KELM_FIELD(attrs), KELM_SIGNED_VIEW(reply_number));
 
-const kelm_record_field performtask_in_fields[] = {
-    {kind::record, "chain", offsetof(aznadmin_performtask_in_s_t, chain), 0, 0,
-     &kelm_ekprincipal_chain_type},
-    {kind::text, "admin_string1", offsetof(aznadmin_performtask_in_s_t, admin_string1), 0, 0,
-     nullptr},
-    {kind::text, "admin_string2", offsetof(aznadmin_performtask_in_s_t, admin_string2), 0, 0,
-     nullptr},
-    {kind::record, "attrs", offsetof(aznadmin_performtask_in_s_t, attrs), 0, 0,
-     &kelm_attrlist_type},
-};
+KELM_DEFINE_RECORD_TYPE(kelm_aznadmin_performtask_in_type, asn_aznadmin_performtask_in_t,
+                        aznadmin_performtask_in_s_t, kelm_site(kSource, 139), kelm_no_quirks,
+                        KELM_FIELD(chain), KELM_FIELD(admin_string1), KELM_FIELD(admin_string2),
+                        KELM_FIELD(attrs));
 
-// The object-list and object requests share one layout, and so one table.
-const kelm_record_field getobject_in_fields[] = {
-    {kind::record, "chain", offsetof(aznadmin_getobject_in_s_t, chain), 0, 0,
-     &kelm_ekprincipal_chain_type},
-    {kind::text, "admin_string1", offsetof(aznadmin_getobject_in_s_t, admin_string1), 0, 0,
-     nullptr},
-    {kind::text, "admin_string2", offsetof(aznadmin_getobject_in_s_t, admin_string2), 0, 0,
-     nullptr},
-    {kind::text, "admin_string3", offsetof(aznadmin_getobject_in_s_t, admin_string3), 0, 0,
-     nullptr},
-    {kind::record, "attrs", offsetof(aznadmin_getobject_in_s_t, attrs), 0, 0, &kelm_attrlist_type},
-};
-static_assert(offsetof(aznadmin_getobjectlist_in_s_t, admin_string3) ==
-                      offsetof(aznadmin_getobject_in_s_t, admin_string3) &&
-                  offsetof(aznadmin_getobjectlist_in_s_t, attrs) ==
-                      offsetof(aznadmin_getobject_in_s_t, attrs) &&
-                  sizeof(aznadmin_getobjectlist_in_s_t) == sizeof(aznadmin_getobject_in_s_t),
-              "both requests share one table");
+KELM_DEFINE_RECORD_TYPE(kelm_aznadmin_performtask_out_type, asn_aznadmin_performtask_out_t,
+                        aznadmin_performtask_out_s_t, kelm_site(kSource, 141), kelm_no_quirks,
+                        KELM_FIELD(attrs), KELM_SIGNED_VIEW(reply_number));
 
-// The four administration replies share one layout, and so one table. The reply number is
-// written from its signed view and read back with its bits unchanged.
-const kelm_record_field admin_reply_fields[] = {
-    {kind::record, "attrs", offsetof(aznadmin_getobject_out_s_t, attrs), 0, 0, &kelm_attrlist_type},
-    {kind::unsigned_integer, "reply_number", offsetof(aznadmin_getobject_out_s_t, reply_number), 0,
-     0, nullptr},
-};
-static_assert(offsetof(aznadmin_gettasklist_out_s_t, reply_number) ==
-                      offsetof(aznadmin_getobject_out_s_t, reply_number) &&
-                  offsetof(aznadmin_performtask_out_s_t, reply_number) ==
-                      offsetof(aznadmin_getobject_out_s_t, reply_number) &&
-                  offsetof(aznadmin_getobjectlist_out_s_t, reply_number) ==
-                      offsetof(aznadmin_getobject_out_s_t, reply_number),
-              "the four replies share one table");
+KELM_DEFINE_RECORD_TYPE(kelm_aznadmin_getobjectlist_in_type, asn_aznadmin_getobjectlist_in_t,
+                        aznadmin_getobjectlist_in_s_t, kelm_site(kSource, 143), kelm_no_quirks,
+                        KELM_FIELD(chain), KELM_FIELD(admin_string1), KELM_FIELD(admin_string2),
+                        KELM_FIELD(admin_string3), KELM_FIELD(attrs));
 
-const kelm_record_field init_fields[] = {
-    {kind::text, "server_name", offsetof(aznserver_init_s_t, server_name), 0, 0, nullptr},
-    {kind::unsigned_integer, "init_number1", offsetof(aznserver_init_s_t, init_number1), 0, 0,
-     nullptr},
-    {kind::unsigned_integer, "init_number2", offsetof(aznserver_init_s_t, init_number2), 0, 0,
-     nullptr},
-    {kind::unsigned_integer, "init_number3", offsetof(aznserver_init_s_t, init_number3), 0, 0,
-     nullptr},
-    {kind::unsigned_integer, "init_number4", offsetof(aznserver_init_s_t, init_number4), 0, 0,
-     nullptr},
-    {kind::record_list, "svcs", offsetof(aznserver_init_s_t, svcs),
-     offsetof(aznserver_init_s_t, svc_count), 0, &kelm_aznadmsvc_type},
-    {kind::record, "attrs", offsetof(aznserver_init_s_t, attrs), 0, 0, &kelm_attrlist_type},
-};
+KELM_DEFINE_RECORD_TYPE(kelm_aznadmin_getobjectlist_out_type, asn_aznadmin_getobjectlist_out_t,
+                        aznadmin_getobjectlist_out_s_t, kelm_site(kSource, 145), kelm_no_quirks,
+                        KELM_FIELD(attrs), KELM_SIGNED_VIEW(reply_number));
 
-const kelm_record_field password_in_fields[] = {
-    {kind::text, "first_string", offsetof(azn_util_password_in_s_t, first_string), 0, 0, nullptr},
-    {kind::text, "second_string", offsetof(azn_util_password_in_s_t, second_string), 0, 0, nullptr},
-};
+KELM_DEFINE_RECORD_TYPE(kelm_aznadmin_getobject_in_type, asn_aznadmin_getobject_in_t,
+                        aznadmin_getobject_in_s_t, kelm_site(kSource, 147), kelm_no_quirks,
+                        KELM_FIELD(chain), KELM_FIELD(admin_string1), KELM_FIELD(admin_string2),
+                        KELM_FIELD(admin_string3), KELM_FIELD(attrs));
 
-const kelm_record_field password_out_fields[] = {
-    {kind::text, "result_string", offsetof(azn_util_password_out_s_t, result_string), 0, 0,
-     nullptr},
-    {kind::record, "attrs", offsetof(azn_util_password_out_s_t, attrs), 0, 0, &kelm_attrlist_type},
-    {kind::unsigned_integer, "reply_number", offsetof(azn_util_password_out_s_t, reply_number), 0,
-     0, nullptr},
-};
+KELM_DEFINE_RECORD_TYPE(kelm_aznadmin_getobject_out_type, asn_aznadmin_getobject_out_t,
+                        aznadmin_getobject_out_s_t, kelm_site(kSource, 149), kelm_no_quirks,
+                        KELM_FIELD(attrs), KELM_SIGNED_VIEW(reply_number));
 
-const kelm_record_field creds_in_fields[] = {
-    {kind::text, "first_string", offsetof(azn_id_get_creds_in_s_t, first_string), 0, 0, nullptr},
-    {kind::text, "second_string", offsetof(azn_id_get_creds_in_s_t, second_string), 0, 0, nullptr},
-    {kind::record, "attrs", offsetof(azn_id_get_creds_in_s_t, attrs), 0, 0, &kelm_attrlist_type},
-};
+KELM_DEFINE_RECORD_TYPE(kelm_aznserver_init_type, asn_aznserver_init_t, aznserver_init_s_t,
+                        kelm_site(kSource, 152), kelm_no_quirks, KELM_FIELD(server_name),
+                        KELM_SIGNED_VIEW(init_number1), KELM_SIGNED_VIEW(init_number2),
+                        KELM_SIGNED_VIEW(init_number3), KELM_SIGNED_VIEW(init_number4),
+                        KELM_LIST(svcs, svc_count), KELM_FIELD(attrs));
 
-const kelm_record_field creds_out_fields[] = {
-    {kind::record, "chain", offsetof(azn_id_get_creds_out_s_t, chain), 0, 0,
-     &kelm_ekprincipal_chain_type},
-    {kind::unsigned_integer, "reply_number", offsetof(azn_id_get_creds_out_s_t, reply_number), 0, 0,
-     nullptr},
-};
+KELM_DEFINE_RECORD_TYPE(kelm_azn_util_password_in_type, asn_azn_util_password_in_t,
+                        azn_util_password_in_s_t, kelm_site(kSource, 154), kelm_no_quirks,
+                        KELM_FIELD(first_string), KELM_FIELD(second_string));
 
-const kelm_record_field decision_in_fields[] = {
-    {kind::record, "chain", offsetof(azn_decision_ext_in_s_t, chain), 0, 0,
-     &kelm_ekprincipal_chain_type},
-    {kind::text, "first_string", offsetof(azn_decision_ext_in_s_t, first_string), 0, 0, nullptr},
-    {kind::text, "second_string", offsetof(azn_decision_ext_in_s_t, second_string), 0, 0, nullptr},
-    {kind::record, "first_attrs", offsetof(azn_decision_ext_in_s_t, first_attrs), 0, 0,
-     &kelm_attrlist_type},
-    {kind::record, "second_attrs", offsetof(azn_decision_ext_in_s_t, second_attrs), 0, 0,
-     &kelm_attrlist_type},
-};
+KELM_DEFINE_RECORD_TYPE(kelm_azn_util_password_out_type, asn_azn_util_password_out_t,
+                        azn_util_password_out_s_t, kelm_site(kSource, 155), kelm_no_quirks,
+                        KELM_FIELD(result_string), KELM_FIELD(attrs),
+                        KELM_SIGNED_VIEW(reply_number));
 
-const kelm_record_field decision_out_fields[] = {
-    {kind::unsigned_integer, "first_number", offsetof(azn_decision_ext_out_s_t, first_number), 0, 0,
-     nullptr},
-    {kind::record, "attrs", offsetof(azn_decision_ext_out_s_t, attrs), 0, 0, &kelm_attrlist_type},
-    {kind::unsigned_integer, "reply_number", offsetof(azn_decision_ext_out_s_t, reply_number), 0, 0,
-     nullptr},
-};
+KELM_DEFINE_RECORD_TYPE(kelm_azn_id_get_creds_in_type, asn_azn_id_get_creds_in_t,
+                        azn_id_get_creds_in_s_t, kelm_site(kSource, 158), kelm_no_quirks,
+                        KELM_FIELD(first_string), KELM_FIELD(second_string), KELM_FIELD(attrs));
 
-} // namespace
+KELM_DEFINE_RECORD_TYPE(kelm_azn_id_get_creds_out_type, asn_azn_id_get_creds_out_t,
+                        azn_id_get_creds_out_s_t, kelm_site(kSource, 160), kelm_no_quirks,
+                        KELM_FIELD(chain), KELM_SIGNED_VIEW(reply_number));
 
-#define KELM_AZNSERVER_TYPE(Class, Record, Fields)                                                 \
-    {                                                                                              \
-#Class, #Record, sizeof(Record), Fields, kelm_field_count(Fields),                         \
-            &kelm_record_ops_for < Class>, __FILE__, __LINE__, 0, nullptr                          \
-    }
+KELM_DEFINE_RECORD_TYPE(kelm_azn_decision_ext_in_type, asn_azn_decision_ext_in_t,
+                        azn_decision_ext_in_s_t, kelm_site(kSource, 162), kelm_no_quirks,
+                        KELM_FIELD(chain), KELM_FIELD(first_string), KELM_FIELD(second_string),
+                        KELM_FIELD(first_attrs), KELM_FIELD(second_attrs));
 
-const kelm_record_type kelm_aznadmin_gettasklist_in_type = KELM_AZNSERVER_TYPE(
-    asn_aznadmin_gettasklist_in_t, aznadmin_gettasklist_in_s_t, gettasklist_in_fields);
-const kelm_record_type kelm_aznadmin_gettasklist_out_type = KELM_AZNSERVER_TYPE(
-    asn_aznadmin_gettasklist_out_t, aznadmin_gettasklist_out_s_t, admin_reply_fields);
-const kelm_record_type kelm_aznadmin_performtask_in_type = KELM_AZNSERVER_TYPE(
-    asn_aznadmin_performtask_in_t, aznadmin_performtask_in_s_t, performtask_in_fields);
-const kelm_record_type kelm_aznadmin_performtask_out_type = KELM_AZNSERVER_TYPE(
-    asn_aznadmin_performtask_out_t, aznadmin_performtask_out_s_t, admin_reply_fields);
-const kelm_record_type kelm_aznadmin_getobjectlist_in_type = KELM_AZNSERVER_TYPE(
-    asn_aznadmin_getobjectlist_in_t, aznadmin_getobjectlist_in_s_t, getobject_in_fields);
-const kelm_record_type kelm_aznadmin_getobjectlist_out_type = KELM_AZNSERVER_TYPE(
-    asn_aznadmin_getobjectlist_out_t, aznadmin_getobjectlist_out_s_t, admin_reply_fields);
-const kelm_record_type kelm_aznadmin_getobject_in_type = KELM_AZNSERVER_TYPE(
-    asn_aznadmin_getobject_in_t, aznadmin_getobject_in_s_t, getobject_in_fields);
-const kelm_record_type kelm_aznadmin_getobject_out_type = KELM_AZNSERVER_TYPE(
-    asn_aznadmin_getobject_out_t, aznadmin_getobject_out_s_t, admin_reply_fields);
-const kelm_record_type kelm_aznserver_init_type =
-    KELM_AZNSERVER_TYPE(asn_aznserver_init_t, aznserver_init_s_t, init_fields);
-const kelm_record_type kelm_azn_util_password_in_type =
-    KELM_AZNSERVER_TYPE(asn_azn_util_password_in_t, azn_util_password_in_s_t, password_in_fields);
-const kelm_record_type kelm_azn_util_password_out_type = KELM_AZNSERVER_TYPE(
-    asn_azn_util_password_out_t, azn_util_password_out_s_t, password_out_fields);
-const kelm_record_type kelm_azn_id_get_creds_in_type =
-    KELM_AZNSERVER_TYPE(asn_azn_id_get_creds_in_t, azn_id_get_creds_in_s_t, creds_in_fields);
-const kelm_record_type kelm_azn_id_get_creds_out_type =
-    KELM_AZNSERVER_TYPE(asn_azn_id_get_creds_out_t, azn_id_get_creds_out_s_t, creds_out_fields);
-const kelm_record_type kelm_azn_decision_ext_in_type =
-    KELM_AZNSERVER_TYPE(asn_azn_decision_ext_in_t, azn_decision_ext_in_s_t, decision_in_fields);
-const kelm_record_type kelm_azn_decision_ext_out_type =
-    KELM_AZNSERVER_TYPE(asn_azn_decision_ext_out_t, azn_decision_ext_out_s_t, decision_out_fields);
+KELM_DEFINE_RECORD_TYPE(kelm_azn_decision_ext_out_type, asn_azn_decision_ext_out_t,
+                        azn_decision_ext_out_s_t, kelm_site(kSource, 164), kelm_no_quirks,
+                        KELM_SIGNED_VIEW(first_number), KELM_FIELD(attrs),
+                        KELM_SIGNED_VIEW(reply_number));

@@ -2,21 +2,12 @@
 // attributes and credential modifications, declared as field tables.
 #include "ekaclobjs_asn.h"
 
-#include <cstddef>
+#include "asn_record_declare.h"
 
 namespace {
 
-using kind = kelm_field_kind;
-
-// The source name that this module's memory exceptions report.
+// The source that this module's memory exceptions name, as existing callers match it.
 constexpr const char kSource[] = "base_idls/ekaclobjs_asn";
-
-const kelm_record_field ekauthzn_db_fields[] = {
-    {kind::unsigned_integer, "number1", offsetof(ekauthzn_db_s_t, number1), 0, 0, nullptr},
-    {kind::unsigned_integer, "number2", offsetof(ekauthzn_db_s_t, number2), 0, 0, nullptr},
-    {kind::unsigned_integer, "number3", offsetof(ekauthzn_db_s_t, number3), 0, 0, nullptr},
-    {kind::record, "attrs", offsetof(ekauthzn_db_s_t, attrs), 0, 0, &kelm_attrlist_type},
-};
 
 // Kept for compatibility with existing records: only the three numbers and the attribute list's
 // two fields are cleared before decoding, not the four bytes between them.
@@ -29,25 +20,6 @@ void clear_ekauthzn_db(void* record) {
     db->attrs.attrs = nullptr;
 }
 
-const kelm_record_field ekextern_auth_fields[] = {
-    {kind::text, "string1", offsetof(ekextern_auth_s_t, string1), 0, 0, nullptr},
-    {kind::text, "string2", offsetof(ekextern_auth_s_t, string2), 0, 0, nullptr},
-    {kind::text, "string3", offsetof(ekextern_auth_s_t, string3), 0, 0, nullptr},
-    {kind::text, "string4", offsetof(ekextern_auth_s_t, string4), 0, 0, nullptr},
-};
-
-const kelm_record_field ekattr_fields[] = {
-    {kind::text, "name", offsetof(ekattr_s_t, name), 0, 0, nullptr},
-    {kind::text_list, "values", offsetof(ekattr_s_t, values), offsetof(ekattr_s_t, value_count), 0,
-     nullptr},
-};
-
-const kelm_record_field ekextattr_fields[] = {
-    {kind::record_list, "ekattrs", offsetof(ekextattr_s_t, ekattrs),
-     offsetof(ekextattr_s_t, ekattr_count), 0, &kelm_ekattr_type},
-    {kind::record, "attrs", offsetof(ekextattr_s_t, attrs), 0, 0, &kelm_attrlist_type},
-};
-
 // Kept for compatibility with existing records: the four fields are cleared before decoding,
 // not the bytes between the count and the array pointer.
 void clear_ekextattr(void* record) {
@@ -58,92 +30,40 @@ void clear_ekextattr(void* record) {
     extattr->attrs.attrs = nullptr;
 }
 
-const kelm_record_field azn_creds_mod_in_fields[] = {
-    {kind::text, "string1", offsetof(azn_creds_mod_in_s_t, string1), 0, 0, nullptr},
-    {kind::record, "attrs", offsetof(azn_creds_mod_in_s_t, attrs), 0, 0, &kelm_attrlist_type},
-    {kind::record, "chain", offsetof(azn_creds_mod_in_s_t, chain), 0, 0,
-     &kelm_ekprincipal_chain_type},
-};
-
-const kelm_record_field azn_creds_mod_out_fields[] = {
-    {kind::record, "chain", offsetof(azn_creds_mod_out_s_t, chain), 0, 0,
-     &kelm_ekprincipal_chain_type},
-    {kind::unsigned_integer, "result", offsetof(azn_creds_mod_out_s_t, result), 0, 0, nullptr},
-};
-
 } // namespace
 
 // Every type of this module ignores the statuses of its elements' copies: a text that cannot be
 // allocated while decoding is left null and the decode still returns 0.
+KELM_DEFINE_RECORD_TYPE(kelm_ekauthzn_db_type, asn_ekauthzn_db_t, ekauthzn_db_s_t,
+                        kelm_site(kSource, 86),
+                        kelm_no_quirks.ignores_element_status().cleared_by(clear_ekauthzn_db),
+                        KELM_SIGNED_VIEW(number1), KELM_SIGNED_VIEW(number2),
+                        KELM_SIGNED_VIEW(number3), KELM_FIELD(attrs));
 
-const kelm_record_type kelm_ekauthzn_db_type = {"asn_ekauthzn_db_t",
-                                                "ekauthzn_db_s_t",
-                                                sizeof(ekauthzn_db_s_t),
-                                                ekauthzn_db_fields,
-                                                kelm_field_count(ekauthzn_db_fields),
-                                                &kelm_record_ops_for<asn_ekauthzn_db_t>,
-                                                kSource,
-                                                __LINE__,
-                                                KELM_RECORD_IGNORES_ELEMENT_STATUS,
-                                                clear_ekauthzn_db};
-
-const kelm_record_type kelm_ekextern_auth_type = {"asn_ekextern_auth_t",
-                                                  "ekextern_auth_s_t",
-                                                  sizeof(ekextern_auth_s_t),
-                                                  ekextern_auth_fields,
-                                                  kelm_field_count(ekextern_auth_fields),
-                                                  &kelm_record_ops_for<asn_ekextern_auth_t>,
-                                                  kSource,
-                                                  __LINE__,
-                                                  KELM_RECORD_IGNORES_ELEMENT_STATUS,
-                                                  nullptr};
+KELM_DEFINE_RECORD_TYPE(kelm_ekextern_auth_type, asn_ekextern_auth_t, ekextern_auth_s_t,
+                        kelm_site(kSource, 97), kelm_no_quirks.ignores_element_status(),
+                        KELM_FIELD(string1), KELM_FIELD(string2), KELM_FIELD(string3),
+                        KELM_FIELD(string4));
 
 // Existing callers match the lines of the list failures: an entry that cannot be added while
 // encoding (37), the array that cannot be allocated (56) and a missing child (62) while decoding.
-const kelm_record_type kelm_ekattr_type = {"asn_ekattr_t",
-                                           "ekattr_s_t",
-                                           sizeof(ekattr_s_t),
-                                           ekattr_fields,
-                                           kelm_field_count(ekattr_fields),
-                                           &kelm_record_ops_for<asn_ekattr_t>,
-                                           kSource,
-                                           __LINE__,
-                                           KELM_RECORD_IGNORES_ELEMENT_STATUS,
-                                           nullptr,
-                                           {37, 56, 62}};
+KELM_DEFINE_RECORD_TYPE(kelm_ekattr_type, asn_ekattr_t, ekattr_s_t, kelm_site(kSource, 110),
+                        kelm_no_quirks.ignores_element_status().list_failures_at(37, 56, 62),
+                        KELM_FIELD(name), KELM_LIST(values, value_count));
 
 // As for ekattr_t, with the lines 208, 227 and 233.
-const kelm_record_type kelm_ekextattr_type = {"asn_ekextattr_t",
-                                              "ekextattr_s_t",
-                                              sizeof(ekextattr_s_t),
-                                              ekextattr_fields,
-                                              kelm_field_count(ekextattr_fields),
-                                              &kelm_record_ops_for<asn_ekextattr_t>,
-                                              kSource,
-                                              __LINE__,
-                                              KELM_RECORD_IGNORES_ELEMENT_STATUS,
-                                              clear_ekextattr,
-                                              {208, 227, 233}};
+KELM_DEFINE_RECORD_TYPE(kelm_ekextattr_type, asn_ekextattr_t, ekextattr_s_t,
+                        kelm_site(kSource, 123),
+                        kelm_no_quirks.ignores_element_status()
+                            .cleared_by(clear_ekextattr)
+                            .list_failures_at(208, 227, 233),
+                        KELM_LIST(ekattrs, ekattr_count), KELM_FIELD(attrs));
 
 // Stored type names are cut to 16 characters: "azn_creds_mod_in" and "azn_creds_mod_ou".
-const kelm_record_type kelm_azn_creds_mod_in_type = {"asn_azn_creds_mod_in_t",
-                                                     "azn_creds_mod_in_s_t",
-                                                     sizeof(azn_creds_mod_in_s_t),
-                                                     azn_creds_mod_in_fields,
-                                                     kelm_field_count(azn_creds_mod_in_fields),
-                                                     &kelm_record_ops_for<asn_azn_creds_mod_in_t>,
-                                                     kSource,
-                                                     __LINE__,
-                                                     KELM_RECORD_IGNORES_ELEMENT_STATUS,
-                                                     nullptr};
+KELM_DEFINE_RECORD_TYPE(kelm_azn_creds_mod_in_type, asn_azn_creds_mod_in_t, azn_creds_mod_in_s_t,
+                        kelm_site(kSource, 136), kelm_no_quirks.ignores_element_status(),
+                        KELM_FIELD(string1), KELM_FIELD(attrs), KELM_FIELD(chain));
 
-const kelm_record_type kelm_azn_creds_mod_out_type = {"asn_azn_creds_mod_out_t",
-                                                      "azn_creds_mod_out_s_t",
-                                                      sizeof(azn_creds_mod_out_s_t),
-                                                      azn_creds_mod_out_fields,
-                                                      kelm_field_count(azn_creds_mod_out_fields),
-                                                      &kelm_record_ops_for<asn_azn_creds_mod_out_t>,
-                                                      kSource,
-                                                      __LINE__,
-                                                      KELM_RECORD_IGNORES_ELEMENT_STATUS,
-                                                      nullptr};
+KELM_DEFINE_RECORD_TYPE(kelm_azn_creds_mod_out_type, asn_azn_creds_mod_out_t, azn_creds_mod_out_s_t,
+                        kelm_site(kSource, 147), kelm_no_quirks.ignores_element_status(),
+                        KELM_FIELD(chain), KELM_SIGNED_VIEW(result));

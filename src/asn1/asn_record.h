@@ -74,12 +74,20 @@ enum : unsigned int {
 };
 
 // Source lines that a type's memory exceptions name, one per failure site of its lists, for a
-// type whose exceptions must name each site apart; a line left 0 names the type's source_line.
+// type whose exceptions must name each site apart; a line left 0 names the type's own line.
 struct kelm_list_failure_lines {
     int entry = 0; // an entry that cannot be created or added while encoding
     int array = 0; // an array (or a separately allocated entry) that cannot be allocated while
                    // decoding
     int child = 0; // a child missing before the list's count is reached while decoding
+};
+
+// Where a type's memory exceptions say they were thrown. Existing callers match these names and
+// lines on stderr, so each type declares them as fixed values: moving or reformatting a
+// declaration changes nothing a caller sees.
+struct kelm_record_site {
+    const char* file;
+    int line;
 };
 
 struct kelm_record_type {
@@ -157,6 +165,8 @@ class KELM_API kelm_asn_record : public kelm_asnbase {
 template <class Record, const kelm_record_type& Type>
 class kelm_asn_message : public kelm_asn_record {
   public:
+    using record_t = Record;
+
     explicit kelm_asn_message(security_t sec = KELM_SECURITY_PLAIN) : kelm_asn_record(Type, sec) {}
 
     unsigned int set_value(Record& record) { return set_record(&record); }
