@@ -1,0 +1,799 @@
+// What each kind of record field does, in one place per kind.
+//
+// A kind is a struct of static operations:
+//   element_size, create       the element object that carries the field in a message object
+//   to_element, from_element   the copies between the record and that element (set_record and
+//                              get_record of kelm_asn_record), exactly as the message classes
+//                              define them
+//   release                    what free_record releases
+//   write(out, ...)            the field's value handed to a writer (the tool's JSON, the tests'
+//                              comparisons), in terms of a few value shapes
+//   read(in, ...)              the field filled from a reader (the tool's JSON, the tests' random
+//                              records), allocating with malloc as get_record does
+// kelm_visit_field_kind is the one place that turns a kelm_field_kind into its struct.
+//
+// A writer offers: integer(int64_t), text(const char*), octet_text(const char*),
+// bytes(const unsigned char*, size_t), absent(), begin_record(type) / end_record(),
+// field(name), begin_list(n) / end_list().
+// A reader offers: begin_record(type) / end_record(), enter_field(name) (false when the field is
+// not given; leave() follows a true), integer(min, max), text() (malloc'ed or null),
+// bytes() (std::string), fixed_bytes(size) (std::string of exactly `size` bytes), present(),
+// list_size(max, what) (entries of a list or slot array, at most `max`), enter_entry(k) / leave().
+//
+// Ownership: read allocates with malloc/calloc, so that free_record releases what it filled.
+#ifndef KELM_ASN_RECORD_KINDS_H
+#define KELM_ASN_RECORD_KINDS_H
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <string>
+
+#include "asn_record.h"
+
+namespace kelm_record_kinds {
+
+using text_list_t = kelm_asn_sequenceof<kelmasnUTF8String>;
+using integer_list_t = kelm_asn_sequenceof<kelmasn_integer>;
+
+// --- access to the bytes of a record -----------------------------------------------------------
+
+template <class T> T load(const void* record, size_t offset) {
+    T value;
+    std::memcpy(&value, static_cast<const unsigned char*>(record) + offset, sizeof value);
+    return value;
+}
+
+template <class T> void store(void* record, size_t offset, T value) {
+    std::memcpy(static_cast<unsigned char*>(record) + offset, &value, sizeof value);
+}
+
+inline unsigned char* at(void* record, size_t offset) {
+    return static_cast<unsigned char*>(record) + offset;
+}
+
+inline const unsigned char* at(const void* record, size_t offset) {
+    return static_cast<const unsigned char*>(record) + offset;
+}
+
+// What a copy between a record and its elements needs to know of the record type it serves.
+struct copy_context {
+    const kelm_record_type& type;
+    bool stops_at_failure; // false for a type that ignores its elements' statuses
+
+    // A memory exception at `line` of the type's source (its own line when 0).
+    [[noreturn]] void memory_error(const char* message, int line = 0) const {
+        throw kelm_asn_memexception(type.source, line != 0 ? line : type.source_line, message);
+    }
+};
+
+// --- the record walks of writers and readers ---------------------------------------------------
+
+template <class Out> void write_record(Out& out, const kelm_record_type& type, const void* record);
+template <class In> void read_record(In& in, const kelm_record_type& type, void* record);
+
+// --- scalar kinds ------------------------------------------------------------------------------
+
+struct scalar_kind {
+    static constexpr bool is_list = false;
+    static void release(const kelm_record_field&, void*) {}
+};
+
+struct integer_element {
+    static size_t element_size(const kelm_record_field&) { return sizeof(kelmasn_integer); }
+    static kelm_asn_object* create(const kelm_record_field&, void* where) {
+        return new (where) kelmasn_integer(KELM_SECURITY_PLAIN);
+    }
+};
+
+// int32_t: INTEGER.
+struct integer_kind : scalar_kind, integer_element {
+    static unsigned int to_element(const kelm_record_field& f, const void* record,
+                                   kelm_asn_object* element, const copy_context&) {
+        static_cast<kelmasn_integer*>(element)->set_value(load<int32_t>(record, f.offset));
+        return KELM_ASN_OK;
+    }
+    static unsigned int from_element(const kelm_record_field& f, const kelm_asn_object* element,
+                                     void* record, const copy_context&) {
+        int value = 0;
+        static_cast<const kelmasn_integer*>(element)->get_value(value);
+        store<int32_t>(record, f.offset, value);
+        return KELM_ASN_OK;
+    }
+    template <class Out> static void write(Out& out, const kelm_record_field& f, const void* r) {
+        out.integer(load<int32_t>(r, f.offset));
+    }
+    template <class In> static void read(In& in, const kelm_record_field& f, void* r) {
+        store<int32_t>(r, f.offset, static_cast<int32_t>(in.integer(INT32_MIN, INT32_MAX)));
+    }
+};
+
+// uint32_t: written through its signed view, read back with its bits unchanged.
+struct unsigned_integer_kind : scalar_kind, integer_element {
+    static unsigned int to_element(const kelm_record_field& f, const void* record,
+                                   kelm_asn_object* element, const copy_context&) {
+        static_cast<kelmasn_integer*>(element)->set_value(load<int32_t>(record, f.offset));
+        return KELM_ASN_OK;
+    }
+    static unsigned int from_element(const kelm_record_field& f, const kelm_asn_object* element,
+                                     void* record, const copy_context&) {
+        unsigned int value = 0;
+        static_cast<const kelmasn_integer*>(element)->get_value(value);
+        store<uint32_t>(record, f.offset, value);
+        return KELM_ASN_OK;
+    }
+    template <class Out> static void write(Out& out, const kelm_record_field& f, const void* r) {
+        out.integer(load<uint32_t>(r, f.offset));
+    }
+    template <class In> static void read(In& in, const kelm_record_field& f, void* r) {
+        store<uint32_t>(r, f.offset, static_cast<uint32_t>(in.integer(0, UINT32_MAX)));
+    }
+};
+
+// uint16_t: INTEGER, read back cut to 16 bits.
+struct unsigned16_kind : scalar_kind, integer_element {
+    static unsigned int to_element(const kelm_record_field& f, const void* record,
+                                   kelm_asn_object* element, const copy_context&) {
+        static_cast<kelmasn_integer*>(element)->set_value(load<uint16_t>(record, f.offset));
+        return KELM_ASN_OK;
+    }
+    static unsigned int from_element(const kelm_record_field& f, const kelm_asn_object* element,
+                                     void* record, const copy_context&) {
+        unsigned short value = 0;
+        static_cast<const kelmasn_integer*>(element)->get_value(value);
+        store<uint16_t>(record, f.offset, value);
+        return KELM_ASN_OK;
+    }
+    template <class Out> static void write(Out& out, const kelm_record_field& f, const void* r) {
+        out.integer(load<uint16_t>(r, f.offset));
+    }
+    template <class In> static void read(In& in, const kelm_record_field& f, void* r) {
+        store<uint16_t>(r, f.offset, static_cast<uint16_t>(in.integer(0, UINT16_MAX)));
+    }
+};
+
+// uint8_t: INTEGER, read back cut to 8 bits.
+struct unsigned8_kind : scalar_kind, integer_element {
+    static unsigned int to_element(const kelm_record_field& f, const void* record,
+                                   kelm_asn_object* element, const copy_context&) {
+        static_cast<kelmasn_integer*>(element)->set_value(load<uint8_t>(record, f.offset));
+        return KELM_ASN_OK;
+    }
+    static unsigned int from_element(const kelm_record_field& f, const kelm_asn_object* element,
+                                     void* record, const copy_context&) {
+        unsigned char value = 0;
+        static_cast<const kelmasn_integer*>(element)->get_value(value);
+        store<uint8_t>(record, f.offset, value);
+        return KELM_ASN_OK;
+    }
+    template <class Out> static void write(Out& out, const kelm_record_field& f, const void* r) {
+        out.integer(load<uint8_t>(r, f.offset));
+    }
+    template <class In> static void read(In& in, const kelm_record_field& f, void* r) {
+        store<uint8_t>(r, f.offset, static_cast<uint8_t>(in.integer(0, UINT8_MAX)));
+    }
+};
+
+// --- texts and bytes ---------------------------------------------------------------------------
+
+struct owned_pointer_kind {
+    static constexpr bool is_list = false;
+    static void release(const kelm_record_field& f, void* record) {
+        std::free(load<void*>(record, f.offset));
+    }
+};
+
+// char*: UTF8String, converted in the local-code-set mode.
+struct text_kind : owned_pointer_kind {
+    static size_t element_size(const kelm_record_field&) { return sizeof(kelmasnUTF8String); }
+    static kelm_asn_object* create(const kelm_record_field&, void* where) {
+        return new (where) kelmasnUTF8String(KELM_SECURITY_PLAIN);
+    }
+    static unsigned int to_element(const kelm_record_field& f, const void* record,
+                                   kelm_asn_object* element, const copy_context&) {
+        static_cast<kelmasnUTF8String*>(element)->set_value(load<char*>(record, f.offset));
+        return KELM_ASN_OK;
+    }
+    static unsigned int from_element(const kelm_record_field& f, const kelm_asn_object* element,
+                                     void* record, const copy_context& context) {
+        char* text = nullptr;
+        const unsigned int status = static_cast<const kelmasnUTF8String*>(element)->get_value(text);
+        store<char*>(record, f.offset, text);
+        return context.stops_at_failure ? status : KELM_ASN_OK;
+    }
+    template <class Out> static void write(Out& out, const kelm_record_field& f, const void* r) {
+        out.text(load<const char*>(r, f.offset));
+    }
+    template <class In> static void read(In& in, const kelm_record_field& f, void* r) {
+        store<char*>(r, f.offset, in.text());
+    }
+};
+
+struct octet_string_element {
+    static size_t element_size(const kelm_record_field&) { return sizeof(kelmasn_octetstring); }
+    static kelm_asn_object* create(const kelm_record_field&, void* where) {
+        return new (where) kelmasn_octetstring(KELM_SECURITY_PLAIN);
+    }
+};
+
+// char*: an OCTET STRING holding the text and its NUL.
+struct octet_text_kind : owned_pointer_kind, octet_string_element {
+    static unsigned int to_element(const kelm_record_field& f, const void* record,
+                                   kelm_asn_object* element, const copy_context&) {
+        kelm_set_strvalue(*static_cast<kelmasn_octetstring*>(element),
+                          load<const char*>(record, f.offset));
+        return KELM_ASN_OK;
+    }
+    static unsigned int from_element(const kelm_record_field& f, const kelm_asn_object* element,
+                                     void* record, const copy_context&) {
+        char* text = nullptr;
+        kelm_get_strvalue(*static_cast<const kelmasn_octetstring*>(element), text);
+        store<char*>(record, f.offset, text);
+        return KELM_ASN_OK;
+    }
+    template <class Out> static void write(Out& out, const kelm_record_field& f, const void* r) {
+        out.octet_text(load<const char*>(r, f.offset));
+    }
+    template <class In> static void read(In& in, const kelm_record_field& f, void* r) {
+        store<char*>(r, f.offset, in.text());
+    }
+};
+
+// unsigned char* with a uint32_t length at `aux`: OCTET STRING.
+struct bytes_kind : owned_pointer_kind, octet_string_element {
+    static unsigned int to_element(const kelm_record_field& f, const void* record,
+                                   kelm_asn_object* element, const copy_context&) {
+        const unsigned char* data = load<const unsigned char*>(record, f.offset);
+        const uint32_t length = data != nullptr ? load<uint32_t>(record, f.aux) : 0;
+        static_cast<kelmasn_octetstring*>(element)->kelm_asn_octetstring::set_value(data, length);
+        return KELM_ASN_OK;
+    }
+    static unsigned int from_element(const kelm_record_field& f, const kelm_asn_object* element,
+                                     void* record, const copy_context&) {
+        unsigned char* data = nullptr;
+        unsigned int length = 0;
+        static_cast<const kelmasn_octetstring*>(element)->get_value(data, length);
+        store<unsigned char*>(record, f.offset, data);
+        store<uint32_t>(record, f.aux, length);
+        return KELM_ASN_OK;
+    }
+    template <class Out> static void write(Out& out, const kelm_record_field& f, const void* r) {
+        const unsigned char* data = load<const unsigned char*>(r, f.offset);
+        out.bytes(data, data != nullptr ? load<uint32_t>(r, f.aux) : 0);
+    }
+    template <class In> static void read(In& in, const kelm_record_field& f, void* r) {
+        const std::string value = in.bytes();
+        unsigned char* data = nullptr;
+        if (!value.empty()) {
+            data = static_cast<unsigned char*>(std::malloc(value.size()));
+            if (data == nullptr)
+                throw std::bad_alloc();
+            std::memcpy(data, value.data(), value.size());
+        }
+        store<unsigned char*>(r, f.offset, data);
+        store<uint32_t>(r, f.aux, static_cast<uint32_t>(value.size()));
+    }
+};
+
+// `size` bytes inline: written in full, read back as exactly `size` bytes.
+struct fixed_bytes_kind : scalar_kind, octet_string_element {
+    static unsigned int to_element(const kelm_record_field& f, const void* record,
+                                   kelm_asn_object* element, const copy_context&) {
+        static_cast<kelmasn_octetstring*>(element)->kelm_asn_octetstring::set_value(
+            at(record, f.offset), f.size);
+        return KELM_ASN_OK;
+    }
+    static unsigned int from_element(const kelm_record_field& f, const kelm_asn_object* element,
+                                     void* record, const copy_context&) {
+        static_cast<const kelmasn_octetstring*>(element)->get_value(f.size, at(record, f.offset));
+        return KELM_ASN_OK;
+    }
+    template <class Out> static void write(Out& out, const kelm_record_field& f, const void* r) {
+        out.bytes(at(r, f.offset), f.size);
+    }
+    template <class In> static void read(In& in, const kelm_record_field& f, void* r) {
+        const std::string value = in.fixed_bytes(f.size);
+        std::memcpy(at(r, f.offset), value.data(), f.size);
+    }
+};
+
+// --- nested records ----------------------------------------------------------------------------
+
+// A record of `type` in a block of its own, zeroed; the caller frees it with free_record and free.
+inline void* new_record(const kelm_record_type& type) {
+    void* record = std::calloc(1, type.record_size);
+    if (record == nullptr)
+        throw std::bad_alloc();
+    return record;
+}
+
+// Releases a record in a block of its own, when there is one.
+inline void release_owned_record(const kelm_record_type& type, void* record) {
+    if (record != nullptr) {
+        kelm_asn_record::free_record(type, record);
+        std::free(record);
+    }
+}
+
+// The nested record of `type`, inline.
+struct record_kind {
+    static constexpr bool is_list = false;
+    static size_t element_size(const kelm_record_field& f) { return f.type->ops->object_size; }
+    static kelm_asn_object* create(const kelm_record_field& f, void* where) {
+        return f.type->ops->create(where, KELM_SECURITY_PLAIN);
+    }
+    static unsigned int to_element(const kelm_record_field& f, const void* record,
+                                   kelm_asn_object* element, const copy_context&) {
+        return static_cast<kelm_asn_record*>(element)->set_record(at(record, f.offset));
+    }
+    static unsigned int from_element(const kelm_record_field& f, const kelm_asn_object* element,
+                                     void* record, const copy_context& context) {
+        const unsigned int status =
+            static_cast<const kelm_asn_record*>(element)->get_record(at(record, f.offset));
+        return context.stops_at_failure ? status : KELM_ASN_OK;
+    }
+    static void release(const kelm_record_field& f, void* record) {
+        kelm_asn_record::free_record(*f.type, at(record, f.offset));
+    }
+    template <class Out> static void write(Out& out, const kelm_record_field& f, const void* r) {
+        write_record(out, *f.type, at(r, f.offset));
+    }
+    template <class In> static void read(In& in, const kelm_record_field& f, void* r) {
+        read_record(in, *f.type, at(r, f.offset));
+    }
+};
+
+// A pointer to a record of `type`, NULL when absent: an OPTIONAL element.
+struct optional_record_kind {
+    static constexpr bool is_list = false;
+    static size_t element_size(const kelm_record_field& f) { return f.type->ops->object_size; }
+    static kelm_asn_object* create(const kelm_record_field& f, void* where) {
+        kelm_asn_object* nested = f.type->ops->create(where, KELM_SECURITY_PLAIN);
+        nested->set_optional(1);
+        // Absent until a record is copied in: a nested record whose elements are all valid from
+        // the start (an attribute list is one list, present and empty when built) would
+        // otherwise count as present and be written for a NULL pointer.
+        nested->invalidate_value(KELM_INVALIDATE_CONTAINER);
+        return nested;
+    }
+    static unsigned int to_element(const kelm_record_field& f, const void* record,
+                                   kelm_asn_object* element, const copy_context&) {
+        const void* nested = load<const void*>(record, f.offset);
+        if (nested == nullptr)
+            return KELM_ASN_OK;
+        auto* present = static_cast<kelm_asn_record*>(element);
+        const unsigned int status = present->set_record(nested);
+        // Present whenever the pointer is set, also when copying the record changed the validity
+        // of none of its elements (an empty attribute list).
+        present->check_valid(0);
+        return status;
+    }
+    static unsigned int from_element(const kelm_record_field& f, const kelm_asn_object* element,
+                                     void* record, const copy_context& context) {
+        if (!element->is_present())
+            return KELM_ASN_OK;
+        void* nested = std::malloc(f.type->record_size);
+        if (nested == nullptr)
+            context.memory_error("ASN: Out of memory");
+        store<void*>(record, f.offset, nested);
+        const unsigned int status =
+            static_cast<const kelm_asn_record*>(element)->get_record(nested);
+        return context.stops_at_failure ? status : KELM_ASN_OK;
+    }
+    static void release(const kelm_record_field& f, void* record) {
+        release_owned_record(*f.type, load<void*>(record, f.offset));
+    }
+    template <class Out> static void write(Out& out, const kelm_record_field& f, const void* r) {
+        const void* nested = load<const void*>(r, f.offset);
+        if (nested != nullptr)
+            write_record(out, *f.type, nested);
+        else
+            out.absent();
+    }
+    template <class In> static void read(In& in, const kelm_record_field& f, void* r) {
+        if (!in.present())
+            return;
+        void* nested = new_record(*f.type);
+        store<void*>(r, f.offset, nested);
+        read_record(in, *f.type, nested);
+    }
+};
+
+// --- lists -------------------------------------------------------------------------------------
+
+// What every list kind shares: a count at `aux` (32 bits unless Count says otherwise) and a
+// pointer to an array of entries at `offset`. Entry describes one entry: its size in the array,
+// the element it is written with, how it is read back, released, written and read.
+template <class Entry, class Count = uint32_t> struct list_kind {
+    static constexpr bool is_list = true;
+
+    static unsigned int count(const kelm_record_field& f, const void* record) {
+        return load<Count>(record, f.aux);
+    }
+    static void set_count(const kelm_record_field& f, void* record, unsigned int n) {
+        store<Count>(record, f.aux, static_cast<Count>(n));
+    }
+
+    static size_t element_size(const kelm_record_field& f) { return Entry::list_size(f); }
+    static kelm_asn_object* create(const kelm_record_field& f, void* where) {
+        return Entry::create_list(f, where);
+    }
+
+    static unsigned int to_element(const kelm_record_field& f, const void* record,
+                                   kelm_asn_object* element, const copy_context& context) {
+        const unsigned char* array = load<const unsigned char*>(record, f.offset);
+        const unsigned int n = array != nullptr ? count(f, record) : 0;
+        auto* list = static_cast<kelm_asn_composite*>(element);
+        unsigned int status = KELM_ASN_OK;
+        for (unsigned int k = 0; k < n && status == KELM_ASN_OK; ++k)
+            status = Entry::add(f, *list, array + static_cast<size_t>(k) * Entry::size(f), context);
+        return status;
+    }
+
+    static unsigned int from_element(const kelm_record_field& f, const kelm_asn_object* element,
+                                     void* record, const copy_context& context) {
+        const auto* list = static_cast<const kelm_asn_composite*>(element);
+        const unsigned int children = list->get_child_count();
+        if (children == 0)
+            return KELM_ASN_OK;
+        const size_t entry_size = Entry::size(f);
+        auto* array = static_cast<unsigned char*>(std::calloc(children, entry_size));
+        if (array == nullptr)
+            context.memory_error("ASN: Memory error", context.type.list_failure_lines.array);
+        store<unsigned char*>(record, f.offset, array);
+        for (unsigned int k = 0; k < children; ++k) {
+            const kelm_asn_object* child = list->get_child(k);
+            if (child == nullptr)
+                context.memory_error("ASN: Memory error", context.type.list_failure_lines.child);
+            // Counted before it is filled: a failure part way through an entry leaves it
+            // counted, so that freeing the record releases what it holds.
+            set_count(f, record, k + 1);
+            const unsigned int status = Entry::get(f, child, array + k * entry_size, context);
+            if (status != KELM_ASN_OK && context.stops_at_failure)
+                return status;
+        }
+        return KELM_ASN_OK;
+    }
+
+    static void release(const kelm_record_field& f, void* record) {
+        unsigned char* array = load<unsigned char*>(record, f.offset);
+        Entry::release_array(f, array, array != nullptr ? count(f, record) : 0);
+    }
+
+    template <class Out> static void write(Out& out, const kelm_record_field& f, const void* r) {
+        const unsigned char* array = load<const unsigned char*>(r, f.offset);
+        const unsigned int n = array != nullptr ? count(f, r) : 0;
+        out.begin_list(n);
+        for (unsigned int k = 0; k < n; ++k)
+            Entry::write(out, f, array + static_cast<size_t>(k) * Entry::size(f));
+        out.end_list();
+    }
+
+    template <class In> static void read(In& in, const kelm_record_field& f, void* r) {
+        const size_t n =
+            in.list_size(std::numeric_limits<Count>::max(),
+                         sizeof(Count) == 2 ? "entries fit the 16-bit count" : "entries");
+        if (n == 0)
+            return;
+        auto* array = static_cast<unsigned char*>(std::calloc(n, Entry::size(f)));
+        if (array == nullptr)
+            throw std::bad_alloc();
+        store<unsigned char*>(r, f.offset, array);
+        for (size_t k = 0; k < n; ++k) {
+            // The count covers every entry started, so that freeing releases a partial one too.
+            set_count(f, r, static_cast<unsigned int>(k + 1));
+            in.enter_entry(k);
+            Entry::read(in, f, array + k * Entry::size(f));
+            in.leave();
+        }
+    }
+};
+
+// Entries of a list of records held in the array itself.
+struct record_entry {
+    static size_t size(const kelm_record_field& f) { return f.type->record_size; }
+    static size_t list_size(const kelm_record_field& f) { return f.type->ops->list_size; }
+    static kelm_asn_object* create_list(const kelm_record_field& f, void* where) {
+        return f.type->ops->create_list(where, KELM_SECURITY_PLAIN);
+    }
+    static unsigned int add(const kelm_record_field& f, kelm_asn_composite& list,
+                            const unsigned char* entry, const copy_context& context) {
+        kelm_asn_record* element = f.type->ops->add_to_list(list);
+        if (element == nullptr)
+            context.memory_error("ASN: Memory error", context.type.list_failure_lines.entry);
+        return element->set_record(entry);
+    }
+    static unsigned int get(const kelm_record_field&, const kelm_asn_object* child,
+                            unsigned char* entry, const copy_context&) {
+        return static_cast<const kelm_asn_record*>(child)->get_record(entry);
+    }
+    static void release_array(const kelm_record_field& f, unsigned char* array, unsigned int n) {
+        for (unsigned int k = 0; k < n; ++k)
+            kelm_asn_record::free_record(*f.type, array + static_cast<size_t>(k) * size(f));
+        std::free(array);
+    }
+    template <class Out> static void write(Out& out, const kelm_record_field& f, const void* e) {
+        write_record(out, *f.type, e);
+    }
+    template <class In> static void read(In& in, const kelm_record_field& f, void* e) {
+        read_record(in, *f.type, e);
+    }
+};
+
+// Entries of a list of records each in a block of its own, the array holding their pointers.
+struct record_pointer_entry {
+    static size_t size(const kelm_record_field&) { return sizeof(void*); }
+    static size_t list_size(const kelm_record_field& f) { return f.type->ops->list_size; }
+    static kelm_asn_object* create_list(const kelm_record_field& f, void* where) {
+        return f.type->ops->create_list(where, KELM_SECURITY_PLAIN);
+    }
+    static unsigned int add(const kelm_record_field& f, kelm_asn_composite& list,
+                            const unsigned char* entry, const copy_context& context) {
+        kelm_asn_record* element = f.type->ops->add_to_list(list);
+        if (element == nullptr)
+            context.memory_error("ASN: Memory error", context.type.list_failure_lines.entry);
+        const void* nested = load<const void*>(entry, 0);
+        if (nested != nullptr)
+            return element->set_record(nested);
+        // A null entry is written as a record of zeros.
+        void* zeros = std::calloc(1, f.type->record_size);
+        if (zeros == nullptr)
+            context.memory_error("ASN: Memory error", context.type.list_failure_lines.entry);
+        unsigned int status;
+        try {
+            status = element->set_record(zeros);
+        } catch (...) {
+            std::free(zeros);
+            throw;
+        }
+        std::free(zeros);
+        return status;
+    }
+    static unsigned int get(const kelm_record_field& f, const kelm_asn_object* child,
+                            unsigned char* entry, const copy_context& context) {
+        void* nested = std::calloc(1, f.type->record_size);
+        if (nested == nullptr)
+            context.memory_error("ASN: Memory error", context.type.list_failure_lines.array);
+        store<void*>(entry, 0, nested);
+        return static_cast<const kelm_asn_record*>(child)->get_record(nested);
+    }
+    static void release_array(const kelm_record_field& f, unsigned char* array, unsigned int n) {
+        for (unsigned int k = 0; k < n; ++k)
+            release_owned_record(*f.type, load<void*>(array, k * sizeof(void*)));
+        std::free(array);
+    }
+    template <class Out> static void write(Out& out, const kelm_record_field& f, const void* e) {
+        const void* nested = load<const void*>(e, 0);
+        if (nested != nullptr)
+            write_record(out, *f.type, nested);
+        else
+            out.absent();
+    }
+    template <class In> static void read(In& in, const kelm_record_field& f, void* e) {
+        if (!in.present())
+            return;
+        void* nested = new_record(*f.type);
+        store<void*>(e, 0, nested);
+        read_record(in, *f.type, nested);
+    }
+};
+
+// Entries of a list of texts: char* each, UTF8String on the wire.
+struct text_entry {
+    static size_t size(const kelm_record_field&) { return sizeof(char*); }
+    static size_t list_size(const kelm_record_field&) { return sizeof(text_list_t); }
+    static kelm_asn_object* create_list(const kelm_record_field&, void* where) {
+        return new (where) text_list_t(KELM_SECURITY_PLAIN);
+    }
+    static unsigned int add(const kelm_record_field&, kelm_asn_composite& list,
+                            const unsigned char* entry, const copy_context& context) {
+        kelmasnUTF8String* element = static_cast<text_list_t&>(list).add_child();
+        if (element == nullptr)
+            context.memory_error("ASN: Memory error", context.type.list_failure_lines.entry);
+        element->set_value(load<char*>(entry, 0));
+        return KELM_ASN_OK;
+    }
+    static unsigned int get(const kelm_record_field&, const kelm_asn_object* child,
+                            unsigned char* entry, const copy_context&) {
+        char* text = nullptr;
+        const unsigned int status = static_cast<const kelmasnUTF8String*>(child)->get_value(text);
+        store<char*>(entry, 0, text);
+        return status;
+    }
+    static void release_array(const kelm_record_field&, unsigned char* array, unsigned int n) {
+        if (array != nullptr)
+            kelm_free_strings(static_cast<int>(n), reinterpret_cast<char**>(array));
+    }
+    template <class Out> static void write(Out& out, const kelm_record_field&, const void* e) {
+        out.text(load<const char*>(e, 0));
+    }
+    template <class In> static void read(In& in, const kelm_record_field&, void* e) {
+        store<char*>(e, 0, in.text());
+    }
+};
+
+// Entries of a list of unsigned 32-bit integers, INTEGER on the wire through the signed view.
+struct integer_entry {
+    static size_t size(const kelm_record_field&) { return sizeof(uint32_t); }
+    static size_t list_size(const kelm_record_field&) { return sizeof(integer_list_t); }
+    static kelm_asn_object* create_list(const kelm_record_field&, void* where) {
+        return new (where) integer_list_t(KELM_SECURITY_PLAIN);
+    }
+    static unsigned int add(const kelm_record_field&, kelm_asn_composite& list,
+                            const unsigned char* entry, const copy_context& context) {
+        kelmasn_integer* element = static_cast<integer_list_t&>(list).add_child();
+        if (element == nullptr)
+            context.memory_error("ASN: Memory error", context.type.list_failure_lines.entry);
+        element->set_value(static_cast<int>(load<uint32_t>(entry, 0)));
+        return KELM_ASN_OK;
+    }
+    static unsigned int get(const kelm_record_field&, const kelm_asn_object* child,
+                            unsigned char* entry, const copy_context&) {
+        unsigned int value = 0;
+        static_cast<const kelmasn_integer*>(child)->get_value(value);
+        store<uint32_t>(entry, 0, value);
+        return KELM_ASN_OK;
+    }
+    static void release_array(const kelm_record_field&, unsigned char* array, unsigned int) {
+        std::free(array);
+    }
+    template <class Out> static void write(Out& out, const kelm_record_field&, const void* e) {
+        out.integer(load<uint32_t>(e, 0));
+    }
+    template <class In> static void read(In& in, const kelm_record_field&, void* e) {
+        store<uint32_t>(e, 0, static_cast<uint32_t>(in.integer(0, UINT32_MAX)));
+    }
+};
+
+using record_list_kind = list_kind<record_entry>;
+using record_list16_kind = list_kind<record_entry, uint16_t>; // the 16-bit count wraps
+using record_pointer_list_kind = list_kind<record_pointer_entry>;
+using text_list_kind = list_kind<text_entry>;
+using integer_list_kind = list_kind<integer_entry>;
+
+// `size` pointers to records of `type` inline, NULL marking an empty slot: SEQUENCE OF
+// CHOICE { NULL, record }, where the empty slots after the last filled one are not written.
+struct slots_kind {
+    static constexpr bool is_list = true;
+
+    static const void* slot(const kelm_record_field& f, const void* record, unsigned int k) {
+        return load<const void*>(at(record, f.offset), k * sizeof(void*));
+    }
+
+    static size_t element_size(const kelm_record_field& f) { return f.type->ops->slots_size; }
+    static kelm_asn_object* create(const kelm_record_field& f, void* where) {
+        return f.type->ops->create_slots(where, KELM_SECURITY_PLAIN);
+    }
+    static unsigned int to_element(const kelm_record_field& f, const void* record,
+                                   kelm_asn_object* element, const copy_context& context) {
+        auto* array = static_cast<kelm_asn_composite*>(element);
+        unsigned int status = KELM_ASN_OK;
+        for (unsigned int k = 0; k < f.size && status == KELM_ASN_OK; ++k) {
+            const void* filled = slot(f, record, k);
+            if (filled == nullptr)
+                continue;
+            kelm_asn_record* entry = f.type->ops->fill_slot(*array, k);
+            if (entry == nullptr)
+                context.memory_error("ASN: Memory error", context.type.list_failure_lines.entry);
+            status = entry->set_record(filled);
+        }
+        return status;
+    }
+    static unsigned int from_element(const kelm_record_field& f, const kelm_asn_object* element,
+                                     void* record, const copy_context& context) {
+        const auto* array = static_cast<const kelm_asn_composite*>(element);
+        unsigned char* slots = at(record, f.offset);
+        for (unsigned int k = 0; k < f.size; ++k) {
+            kelm_asn_record* entry = f.type->ops->slot_value(*array, k);
+            if (entry == nullptr)
+                continue;
+            void* nested = std::calloc(1, f.type->record_size);
+            if (nested == nullptr)
+                context.memory_error("ASN: Memory error", context.type.list_failure_lines.array);
+            store<void*>(slots, k * sizeof(void*), nested);
+            const unsigned int status = entry->get_record(nested);
+            if (status != KELM_ASN_OK && context.stops_at_failure)
+                return status;
+        }
+        return KELM_ASN_OK;
+    }
+    static void release(const kelm_record_field& f, void* record) {
+        for (unsigned int k = 0; k < f.size; ++k)
+            release_owned_record(*f.type, const_cast<void*>(slot(f, record, k)));
+    }
+    template <class Out> static void write(Out& out, const kelm_record_field& f, const void* r) {
+        // As on the wire, the empty slots after the last filled one are left out.
+        unsigned int used = f.size;
+        while (used > 0 && slot(f, r, used - 1) == nullptr)
+            --used;
+        out.begin_list(used);
+        for (unsigned int k = 0; k < used; ++k) {
+            const void* filled = slot(f, r, k);
+            if (filled != nullptr)
+                write_record(out, *f.type, filled);
+            else
+                out.absent();
+        }
+        out.end_list();
+    }
+    template <class In> static void read(In& in, const kelm_record_field& f, void* r) {
+        const size_t n = in.list_size(f.size, "slots");
+        for (size_t k = 0; k < n; ++k) {
+            in.enter_entry(k);
+            if (in.present()) {
+                void* nested = new_record(*f.type);
+                store<void*>(at(r, f.offset), k * sizeof(void*), nested);
+                read_record(in, *f.type, nested);
+            }
+            in.leave();
+        }
+    }
+};
+
+// The struct of kind `kind`, handed to `fn` as a value of that type: the one place where a
+// field's kind is looked at.
+template <class Fn> decltype(auto) visit_field_kind(kelm_field_kind kind, Fn&& fn) {
+    switch (kind) {
+    case kelm_field_kind::integer:
+        return fn(integer_kind{});
+    case kelm_field_kind::unsigned_integer:
+        return fn(unsigned_integer_kind{});
+    case kelm_field_kind::unsigned16:
+        return fn(unsigned16_kind{});
+    case kelm_field_kind::unsigned8:
+        return fn(unsigned8_kind{});
+    case kelm_field_kind::text:
+        return fn(text_kind{});
+    case kelm_field_kind::octet_text:
+        return fn(octet_text_kind{});
+    case kelm_field_kind::bytes:
+        return fn(bytes_kind{});
+    case kelm_field_kind::fixed_bytes:
+        return fn(fixed_bytes_kind{});
+    case kelm_field_kind::record:
+        return fn(record_kind{});
+    case kelm_field_kind::optional_record:
+        return fn(optional_record_kind{});
+    case kelm_field_kind::record_list:
+        return fn(record_list_kind{});
+    case kelm_field_kind::record_list16:
+        return fn(record_list16_kind{});
+    case kelm_field_kind::record_pointer_list:
+        return fn(record_pointer_list_kind{});
+    case kelm_field_kind::text_list:
+        return fn(text_list_kind{});
+    case kelm_field_kind::integer_list:
+        return fn(integer_list_kind{});
+    case kelm_field_kind::slots:
+        break;
+    }
+    return fn(slots_kind{});
+}
+
+template <class Out> void write_record(Out& out, const kelm_record_type& type, const void* record) {
+    out.begin_record(type);
+    for (unsigned int i = 0; i < type.field_count; ++i) {
+        const kelm_record_field& f = type.fields[i];
+        out.field(f.name);
+        visit_field_kind(f.kind, [&](auto kind) { decltype(kind)::write(out, f, record); });
+    }
+    out.end_record();
+}
+
+template <class In> void read_record(In& in, const kelm_record_type& type, void* record) {
+    in.begin_record(type);
+    for (unsigned int i = 0; i < type.field_count; ++i) {
+        const kelm_record_field& f = type.fields[i];
+        if (!in.enter_field(f.name))
+            continue; // a field not given stays zero or null
+        visit_field_kind(f.kind, [&](auto kind) { decltype(kind)::read(in, f, record); });
+        in.leave();
+    }
+    in.end_record();
+}
+
+} // namespace kelm_record_kinds
+
+#endif
