@@ -18,7 +18,8 @@
 // A reader offers: begin_record(type) / end_record(), enter_field(name) (false when the field is
 // not given; leave() follows a true), integer(min, max), text() (malloc'ed or null),
 // bytes() (std::string), fixed_bytes(size) (std::string of exactly `size` bytes), present(),
-// list_size(max, what) (entries of a list or slot array, at most `max`), enter_entry(k) / leave().
+// list_size(max, what) (entries of a list or slot array, at most `max`), enter_entry(k) / leave(),
+// and out_of_memory(), which does not return.
 //
 // Ownership: read allocates with malloc/calloc, so that free_record releases what it filled.
 #ifndef KELM_ASN_RECORD_KINDS_H
@@ -269,7 +270,7 @@ struct bytes_kind : owned_pointer_kind, octet_string_element {
         if (!value.empty()) {
             data = static_cast<unsigned char*>(std::malloc(value.size()));
             if (data == nullptr)
-                throw std::bad_alloc();
+                in.out_of_memory();
             std::memcpy(data, value.data(), value.size());
         }
         store<unsigned char*>(r, f.offset, data);
@@ -301,11 +302,12 @@ struct fixed_bytes_kind : scalar_kind, octet_string_element {
 
 // --- nested records ----------------------------------------------------------------------------
 
-// A record of `type` in a block of its own, zeroed; the caller frees it with free_record and free.
-inline void* new_record(const kelm_record_type& type) {
+// A record of `type` in a block of its own, zeroed, for a reader; the caller frees it with
+// free_record and free.
+template <class In> void* new_record(In& in, const kelm_record_type& type) {
     void* record = std::calloc(1, type.record_size);
     if (record == nullptr)
-        throw std::bad_alloc();
+        in.out_of_memory();
     return record;
 }
 
@@ -395,7 +397,7 @@ struct optional_record_kind {
     template <class In> static void read(In& in, const kelm_record_field& f, void* r) {
         if (!in.present())
             return;
-        void* nested = new_record(*f.type);
+        void* nested = new_record(in, *f.type);
         store<void*>(r, f.offset, nested);
         read_record(in, *f.type, nested);
     }
@@ -479,7 +481,7 @@ template <class Entry, class Count = uint32_t> struct list_kind {
             return;
         auto* array = static_cast<unsigned char*>(std::calloc(n, Entry::size(f)));
         if (array == nullptr)
-            throw std::bad_alloc();
+            in.out_of_memory();
         store<unsigned char*>(r, f.offset, array);
         for (size_t k = 0; k < n; ++k) {
             // The count covers every entry started, so that freeing releases a partial one too.
@@ -574,7 +576,7 @@ struct record_pointer_entry {
     template <class In> static void read(In& in, const kelm_record_field& f, void* e) {
         if (!in.present())
             return;
-        void* nested = new_record(*f.type);
+        void* nested = new_record(in, *f.type);
         store<void*>(e, 0, nested);
         read_record(in, *f.type, nested);
     }
@@ -723,7 +725,7 @@ struct slots_kind {
         for (size_t k = 0; k < n; ++k) {
             in.enter_entry(k);
             if (in.present()) {
-                void* nested = new_record(*f.type);
+                void* nested = new_record(in, *f.type);
                 store<void*>(at(r, f.offset), k * sizeof(void*), nested);
                 read_record(in, *f.type, nested);
             }

@@ -7,30 +7,14 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <vector>
+
+#include "asn_record_kinds.h"
 
 namespace kelmasn_tool {
 namespace {
 
 using json = nlohmann::ordered_json;
-using kind = kelm_field_kind;
-
-template <class T> T load(const void* record, unsigned int offset) {
-    T value;
-    std::memcpy(&value, static_cast<const unsigned char*>(record) + offset, sizeof value);
-    return value;
-}
-
-template <class T> void store(void* record, unsigned int offset, T value) {
-    std::memcpy(static_cast<unsigned char*>(record) + offset, &value, sizeof value);
-}
-
-unsigned char* at(void* record, unsigned int offset) {
-    return static_cast<unsigned char*>(record) + offset;
-}
-
-const unsigned char* at(const void* record, unsigned int offset) {
-    return static_cast<const unsigned char*>(record) + offset;
-}
 
 std::string hex(const unsigned char* bytes, size_t n) {
     static const char digits[] = "0123456789abcdef";
@@ -43,10 +27,6 @@ std::string hex(const unsigned char* bytes, size_t n) {
     return out;
 }
 
-json text_json(const char* text) {
-    return text != nullptr ? json(text) : json(nullptr);
-}
-
 // A text kept in an OCTET STRING comes back without a NUL when the stored value had none (kept so
 // for existing buffers): it is read no further than its own heap block.
 json octet_text_json(const char* text) {
@@ -55,91 +35,48 @@ json octet_text_json(const char* text) {
     return json(std::string(text, strnlen(text, malloc_usable_size(const_cast<char*>(text)))));
 }
 
-unsigned int count_of(const kelm_record_field& f, const void* record) {
-    return f.kind == kind::record_list16 ? load<uint16_t>(record, f.aux)
-                                         : load<uint32_t>(record, f.aux);
-}
+// Builds the JSON of a record from the kinds' walk: objects for records, arrays for lists.
+class JsonWriter {
+  public:
+    json result() { return std::move(result_); }
 
-json field_to_json(const kelm_record_field& f, const void* record) {
-    switch (f.kind) {
-    case kind::integer:
-        return load<int32_t>(record, f.offset);
-    case kind::unsigned_integer:
-        return load<uint32_t>(record, f.offset);
-    case kind::unsigned16:
-        return load<uint16_t>(record, f.offset);
-    case kind::unsigned8:
-        return load<uint8_t>(record, f.offset);
-    case kind::text:
-        return text_json(load<const char*>(record, f.offset));
-    case kind::octet_text:
-        return octet_text_json(load<const char*>(record, f.offset));
-    case kind::bytes: {
-        const unsigned char* data = load<const unsigned char*>(record, f.offset);
-        return hex(data, data != nullptr ? load<uint32_t>(record, f.aux) : 0);
+    void integer(int64_t value) { put(value); }
+    void text(const char* value) { put(value != nullptr ? json(value) : json(nullptr)); }
+    void octet_text(const char* value) { put(octet_text_json(value)); }
+    void bytes(const unsigned char* data, size_t n) { put(hex(data, n)); }
+    void absent() { put(nullptr); }
+    void begin_record(const kelm_record_type&) { open(json::object()); }
+    void end_record() { close(); }
+    void field(const char* name) { levels_.back().key = name; }
+    void begin_list(size_t) { open(json::array()); }
+    void end_list() { close(); }
+
+  private:
+    struct Level {
+        json value;
+        const char* key = nullptr;
+    };
+
+    void open(json value) { levels_.push_back(Level{std::move(value)}); }
+    void close() {
+        json value = std::move(levels_.back().value);
+        levels_.pop_back();
+        put(std::move(value));
     }
-    case kind::fixed_bytes:
-        return hex(at(record, f.offset), f.size);
-    case kind::record:
-        return record_to_json(*f.type, at(record, f.offset));
-    case kind::optional_record: {
-        const void* nested = load<const void*>(record, f.offset);
-        return nested != nullptr ? record_to_json(*f.type, nested) : json(nullptr);
+    void put(json value) {
+        if (levels_.empty())
+            result_ = std::move(value);
+        else if (levels_.back().value.is_array())
+            levels_.back().value.push_back(std::move(value));
+        else
+            levels_.back().value[levels_.back().key] = std::move(value);
     }
-    case kind::record_list:
-    case kind::record_list16: {
-        json list = json::array();
-        const unsigned char* array = load<const unsigned char*>(record, f.offset);
-        const unsigned int n = array != nullptr ? count_of(f, record) : 0;
-        for (unsigned int i = 0; i < n; ++i)
-            list.push_back(record_to_json(*f.type, array + i * f.type->record_size));
-        return list;
-    }
-    case kind::record_pointer_list: {
-        json list = json::array();
-        void* const* array = load<void* const*>(record, f.offset);
-        const unsigned int n = array != nullptr ? count_of(f, record) : 0;
-        for (unsigned int i = 0; i < n; ++i)
-            list.push_back(array[i] != nullptr ? record_to_json(*f.type, array[i]) : json(nullptr));
-        return list;
-    }
-    case kind::text_list: {
-        json list = json::array();
-        char* const* array = load<char* const*>(record, f.offset);
-        const unsigned int n = array != nullptr ? count_of(f, record) : 0;
-        for (unsigned int i = 0; i < n; ++i)
-            list.push_back(text_json(array[i]));
-        return list;
-    }
-    case kind::integer_list: {
-        json list = json::array();
-        const uint32_t* array = load<const uint32_t*>(record, f.offset);
-        const unsigned int n = array != nullptr ? count_of(f, record) : 0;
-        for (unsigned int i = 0; i < n; ++i)
-            list.push_back(array[i]);
-        return list;
-    }
-    case kind::slots: {
-        // As on the wire, the empty slots after the last filled one are left out.
-        unsigned int used = f.size;
-        while (used > 0 &&
-               load<const void*>(at(record, f.offset), (used - 1) * sizeof(void*)) == nullptr)
-            --used;
-        json list = json::array();
-        for (unsigned int i = 0; i < used; ++i) {
-            const void* slot = load<const void*>(at(record, f.offset), i * sizeof(void*));
-            list.push_back(slot != nullptr ? record_to_json(*f.type, slot) : json(nullptr));
-        }
-        return list;
-    }
-    }
-    return nullptr;
-}
+
+    std::vector<Level> levels_;
+    json result_;
+};
 
 // --- from JSON -------------------------------------------------------------------------------
-
-void record_from_json_at(const kelm_record_type& type, const json& value, void* record,
-                         const std::string& path, unsigned int depth);
 
 [[noreturn]] void fail(const std::string& path, const std::string& what) {
     throw JsonFieldError(path + ": " + what);
@@ -197,176 +134,87 @@ std::string hex_from(const json& value, const std::string& path) {
     return bytes;
 }
 
-const json& array_from(const json& value, const std::string& path) {
-    if (!value.is_array())
-        fail(path, "expected an array");
-    if (value.size() > 0xFFFFFFFFu)
-        fail(path, "too many entries");
-    return value;
-}
+// Fills a record from a JSON document for the kinds' walk; every error names the field's path.
+class JsonReader {
+  public:
+    explicit JsonReader(const json& document) { levels_.push_back(Level{&document, ""}); }
 
-// `depth` counts the records that hold the field, the outermost included.
-void field_from_json(const kelm_record_field& f, const json& value, const std::string& path,
-                     void* record, unsigned int depth) {
-    switch (f.kind) {
-    case kind::integer:
-        store<int32_t>(record, f.offset,
-                       static_cast<int32_t>(integer_in(value, path, INT32_MIN, INT32_MAX)));
-        return;
-    case kind::unsigned_integer:
-        store<uint32_t>(record, f.offset,
-                        static_cast<uint32_t>(integer_in(value, path, 0, UINT32_MAX)));
-        return;
-    case kind::unsigned16:
-        store<uint16_t>(record, f.offset,
-                        static_cast<uint16_t>(integer_in(value, path, 0, UINT16_MAX)));
-        return;
-    case kind::unsigned8:
-        store<uint8_t>(record, f.offset,
-                       static_cast<uint8_t>(integer_in(value, path, 0, UINT8_MAX)));
-        return;
-    case kind::text:
-    case kind::octet_text:
-        store<char*>(record, f.offset, text_from(value, path));
-        return;
-    case kind::bytes: {
-        const std::string bytes = hex_from(value, path);
-        unsigned char* data = nullptr;
-        if (!bytes.empty()) {
-            data = static_cast<unsigned char*>(std::malloc(bytes.size()));
-            if (data == nullptr)
-                fail(path, "out of memory");
-            std::memcpy(data, bytes.data(), bytes.size());
+    void begin_record(const kelm_record_type& type) {
+        // Every record is at least one constructed level of its encoding, so a document nested
+        // deeper than the limit could not be encoded; refusing it here also keeps a deeply nested
+        // document from exhausting the stack.
+        if (++depth_ > KELM_ASN_MAX_NESTING)
+            fail(path(),
+                 "records nest deeper than " + std::to_string(KELM_ASN_MAX_NESTING) + " levels");
+        if (!value().is_object())
+            fail(path().empty() ? std::string(type.record_name) : path(),
+                 std::string("expected an object for ") + type.record_name);
+        for (auto it = value().begin(); it != value().end(); ++it) {
+            bool known = false;
+            for (unsigned int i = 0; i < type.field_count; ++i)
+                known = known || it.key() == type.fields[i].name;
+            if (!known)
+                fail(path().empty() ? it.key() : path() + "." + it.key(),
+                     std::string("no such field in ") + type.record_name);
         }
-        store<unsigned char*>(record, f.offset, data);
-        store<uint32_t>(record, f.aux, static_cast<uint32_t>(bytes.size()));
-        return;
     }
-    case kind::fixed_bytes: {
-        const std::string bytes = hex_from(value, path);
-        if (bytes.size() != f.size)
-            fail(path, "expected exactly " + std::to_string(f.size) + " bytes");
-        std::memcpy(at(record, f.offset), bytes.data(), f.size);
-        return;
-    }
-    case kind::record:
-        record_from_json_at(*f.type, value, at(record, f.offset), path, depth + 1);
-        return;
-    case kind::optional_record: {
-        if (value.is_null())
-            return;
-        void* nested = std::calloc(1, f.type->record_size);
-        if (nested == nullptr)
-            fail(path, "out of memory");
-        store<void*>(record, f.offset, nested);
-        record_from_json_at(*f.type, value, nested, path, depth + 1);
-        return;
-    }
-    case kind::record_list:
-    case kind::record_list16:
-    case kind::record_pointer_list:
-    case kind::text_list:
-    case kind::integer_list: {
-        const json& list = array_from(value, path);
-        if (f.kind == kind::record_list16 && list.size() > UINT16_MAX)
-            fail(path, "at most 65535 entries fit the 16-bit count");
-        if (list.empty())
-            return;
-        const bool records = f.kind == kind::record_list || f.kind == kind::record_list16;
-        const size_t entry_size = records                        ? f.type->record_size
-                                  : f.kind == kind::integer_list ? sizeof(uint32_t)
-                                                                 : sizeof(void*);
-        unsigned char* array = static_cast<unsigned char*>(std::calloc(list.size(), entry_size));
-        if (array == nullptr)
-            fail(path, "out of memory");
-        store<unsigned char*>(record, f.offset, array);
-        unsigned int filled = 0;
-        for (const json& entry : list) {
-            const std::string entry_path = path + "[" + std::to_string(filled) + "]";
-            unsigned char* slot = array + filled * entry_size;
-            // The count covers every entry started, so that freeing releases a partial one too.
-            if (f.kind == kind::record_list16)
-                store<uint16_t>(record, f.aux, static_cast<uint16_t>(filled + 1));
-            else
-                store<uint32_t>(record, f.aux, filled + 1);
-            if (records) {
-                record_from_json_at(*f.type, entry, slot, entry_path, depth + 1);
-            } else if (f.kind == kind::record_pointer_list) {
-                if (!entry.is_null()) {
-                    void* nested = std::calloc(1, f.type->record_size);
-                    if (nested == nullptr)
-                        fail(entry_path, "out of memory");
-                    store<void*>(slot, 0, nested);
-                    record_from_json_at(*f.type, entry, nested, entry_path, depth + 1);
-                }
-            } else if (f.kind == kind::text_list) {
-                store<char*>(slot, 0, text_from(entry, entry_path));
-            } else {
-                store<uint32_t>(
-                    slot, 0, static_cast<uint32_t>(integer_in(entry, entry_path, 0, UINT32_MAX)));
-            }
-            ++filled;
-        }
-        return;
-    }
-    case kind::slots: {
-        const json& list = array_from(value, path);
-        if (list.size() > f.size)
-            fail(path, "at most " + std::to_string(f.size) + " slots");
-        for (unsigned int i = 0; i < list.size(); ++i) {
-            if (list[i].is_null())
-                continue;
-            void* nested = std::calloc(1, f.type->record_size);
-            if (nested == nullptr)
-                fail(path, "out of memory");
-            store<void*>(at(record, f.offset), i * sizeof(void*), nested);
-            record_from_json_at(*f.type, list[i], nested, path + "[" + std::to_string(i) + "]",
-                                depth + 1);
-        }
-        return;
-    }
-    }
-}
+    void end_record() { --depth_; }
 
-void record_from_json_at(const kelm_record_type& type, const json& value, void* record,
-                         const std::string& path, unsigned int depth) {
-    // Every record is at least one constructed level of its encoding, so a document nested
-    // deeper than the limit could not be encoded; refusing it here also keeps a deeply nested
-    // document from exhausting the stack.
-    if (depth > KELM_ASN_MAX_NESTING)
-        fail(path, "records nest deeper than " + std::to_string(KELM_ASN_MAX_NESTING) + " levels");
-    if (!value.is_object())
-        fail(path.empty() ? std::string(type.record_name) : path,
-             std::string("expected an object for ") + type.record_name);
-    for (auto it = value.begin(); it != value.end(); ++it) {
-        bool known = false;
-        for (unsigned int i = 0; i < type.field_count; ++i)
-            known = known || it.key() == type.fields[i].name;
-        if (!known)
-            fail(path.empty() ? it.key() : path + "." + it.key(),
-                 std::string("no such field in ") + type.record_name);
+    bool enter_field(const char* name) {
+        auto found = value().find(name);
+        if (found == value().end())
+            return false;
+        levels_.push_back(Level{&*found, path().empty() ? std::string(name) : path() + "." + name});
+        return true;
     }
-    for (unsigned int i = 0; i < type.field_count; ++i) {
-        const kelm_record_field& f = type.fields[i];
-        auto found = value.find(f.name);
-        if (found == value.end())
-            continue; // an absent field stays zero or null
-        field_from_json(f, *found, path.empty() ? std::string(f.name) : path + "." + f.name, record,
-                        depth);
+    void enter_entry(size_t k) {
+        levels_.push_back(Level{&value()[k], path() + "[" + std::to_string(k) + "]"});
     }
-}
+    void leave() { levels_.pop_back(); }
+
+    int64_t integer(int64_t low, int64_t high) { return integer_in(value(), path(), low, high); }
+    char* text() { return text_from(value(), path()); }
+    std::string bytes() { return hex_from(value(), path()); }
+    std::string fixed_bytes(size_t size) {
+        std::string value_bytes = hex_from(value(), path());
+        if (value_bytes.size() != size)
+            fail(path(), "expected exactly " + std::to_string(size) + " bytes");
+        return value_bytes;
+    }
+    bool present() { return !value().is_null(); }
+    size_t list_size(uint64_t max, const char* what) {
+        if (!value().is_array())
+            fail(path(), "expected an array");
+        if (value().size() > max)
+            fail(path(), "at most " + std::to_string(max) + " " + what);
+        return value().size();
+    }
+    [[noreturn]] void out_of_memory() { fail(path(), "out of memory"); }
+
+  private:
+    struct Level {
+        const json* value;
+        std::string path;
+    };
+
+    const json& value() const { return *levels_.back().value; }
+    const std::string& path() const { return levels_.back().path; }
+
+    std::vector<Level> levels_;
+    unsigned int depth_ = 0;
+};
 
 } // namespace
 
 json record_to_json(const kelm_record_type& type, const void* record) {
-    json object = json::object();
-    for (unsigned int i = 0; i < type.field_count; ++i)
-        object[type.fields[i].name] = field_to_json(type.fields[i], record);
-    return object;
+    JsonWriter writer;
+    kelm_record_kinds::write_record(writer, type, record);
+    return writer.result();
 }
 
 void record_from_json(const kelm_record_type& type, const json& value, void* record) {
-    record_from_json_at(type, value, record, "", 1);
+    JsonReader reader(value);
+    kelm_record_kinds::read_record(reader, type, record);
 }
 
 } // namespace kelmasn_tool
