@@ -18,8 +18,9 @@
 // A reader offers: begin_record(type) / end_record(), enter_field(name) (false when the field is
 // not given; leave() follows a true), integer(min, max), text() (malloc'ed or null),
 // bytes() (std::string), fixed_bytes(size) (std::string of exactly `size` bytes), present(),
-// list_size(max, what) (entries of a list or slot array, at most `max`), enter_entry(k) / leave(),
-// and out_of_memory(), which does not return.
+// begin_list(max, what) (the entries of a list, at most `max`) or begin_slots(size) (the slots
+// given, at most `size`) / end_list(), enter_entry(k) / leave(), and out_of_memory(), which does
+// not return.
 //
 // Ownership: read allocates with malloc/calloc, so that free_record releases what it filled.
 #ifndef KELM_ASN_RECORD_KINDS_H
@@ -475,21 +476,22 @@ template <class Entry, class Count = uint32_t> struct list_kind {
 
     template <class In> static void read(In& in, const kelm_record_field& f, void* r) {
         const size_t n =
-            in.list_size(std::numeric_limits<Count>::max(),
-                         sizeof(Count) == 2 ? "entries fit the 16-bit count" : "entries");
-        if (n == 0)
-            return;
-        auto* array = static_cast<unsigned char*>(std::calloc(n, Entry::size(f)));
-        if (array == nullptr)
-            in.out_of_memory();
-        store<unsigned char*>(r, f.offset, array);
-        for (size_t k = 0; k < n; ++k) {
-            // The count covers every entry started, so that freeing releases a partial one too.
-            set_count(f, r, static_cast<unsigned int>(k + 1));
-            in.enter_entry(k);
-            Entry::read(in, f, array + k * Entry::size(f));
-            in.leave();
+            in.begin_list(std::numeric_limits<Count>::max(),
+                          sizeof(Count) == 2 ? "entries fit the 16-bit count" : "entries");
+        if (n > 0) {
+            auto* array = static_cast<unsigned char*>(std::calloc(n, Entry::size(f)));
+            if (array == nullptr)
+                in.out_of_memory();
+            store<unsigned char*>(r, f.offset, array);
+            for (size_t k = 0; k < n; ++k) {
+                // The count covers every entry started, so that freeing releases a partial one.
+                set_count(f, r, static_cast<unsigned int>(k + 1));
+                in.enter_entry(k);
+                Entry::read(in, f, array + k * Entry::size(f));
+                in.leave();
+            }
         }
+        in.end_list();
     }
 };
 
@@ -721,7 +723,7 @@ struct slots_kind {
         out.end_list();
     }
     template <class In> static void read(In& in, const kelm_record_field& f, void* r) {
-        const size_t n = in.list_size(f.size, "slots");
+        const size_t n = in.begin_slots(f.size);
         for (size_t k = 0; k < n; ++k) {
             in.enter_entry(k);
             if (in.present()) {
@@ -731,6 +733,7 @@ struct slots_kind {
             }
             in.leave();
         }
+        in.end_list();
     }
 };
 

@@ -182,13 +182,15 @@ class JsonReader {
         return value_bytes;
     }
     bool present() { return !value().is_null(); }
-    size_t list_size(uint64_t max, const char* what) {
+    size_t begin_list(uint64_t max, const char* what) {
         if (!value().is_array())
             fail(path(), "expected an array");
         if (value().size() > max)
             fail(path(), "at most " + std::to_string(max) + " " + what);
         return value().size();
     }
+    size_t begin_slots(size_t size) { return begin_list(size, "slots"); }
+    void end_list() {}
     [[noreturn]] void out_of_memory() { fail(path(), "out of memory"); }
 
   private:
