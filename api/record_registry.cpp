@@ -1,5 +1,5 @@
 // The table of record types, in the order of their families.
-#include "asn_record_registry.h"
+#include "record_registry.h"
 
 #include <cstring>
 #include <string>

@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "asn_record_registry.h"
+#include "record_registry.h"
 #include "kelm/ekobjs.h"
 
 namespace kelmasn_fuzz {

@@ -12,7 +12,7 @@
 
 #include <gtest/gtest.h>
 
-#include "asn_record_registry.h"
+#include "record_registry.h"
 
 namespace {
 

@@ -14,7 +14,7 @@
 
 #include "alloc_failure.h"
 #include "asn_record_kinds.h"
-#include "asn_record_registry.h"
+#include "record_registry.h"
 
 namespace {
 

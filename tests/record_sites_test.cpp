@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include "asn_record_registry.h"
+#include "record_registry.h"
 #include "kelm/kelmasn.h"
 #include "record_family_test_util.h"
 

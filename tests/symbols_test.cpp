@@ -2,20 +2,22 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <fstream>
 #include <set>
 #include <string>
 
 #include <gtest/gtest.h>
 
-#include "asn_record_registry.h"
+#include "record_registry.h"
 
 namespace {
 
-// The demangled names of the defined dynamic symbols of the shared library.
-std::set<std::string> exported_names() {
+// The names of the defined dynamic symbols of the shared library, demangled unless asked for
+// the mangled names.
+std::set<std::string> exported_names(bool demangled = true) {
     std::set<std::string> names;
-    const std::string command =
-        std::string("nm -D --defined-only --demangle '") + KELMASN_SHARED_LIBRARY + "'";
+    const std::string command = std::string("nm -D --defined-only ") +
+                                (demangled ? "--demangle '" : "'") + KELMASN_SHARED_LIBRARY + "'";
     FILE* pipe = popen(command.c_str(), "r");
     if (pipe == nullptr)
         return names;
@@ -263,4 +265,27 @@ TEST(DynamicSymbols, InternalHelpersStayHidden) {
         EXPECT_EQ(name.find("ZUTF8"), std::string::npos) << name;
         EXPECT_EQ(name.find("kelmz"), std::string::npos) << name;
     }
+}
+
+// The symbols the shared library exports are exactly those of the committed list: a change of
+// the ABI, added or removed, is a deliberate edit of that list.
+TEST(Symbols, ExportedSymbolsAreExactlyTheCommittedList) {
+    std::ifstream list(KELMASN_SYMBOL_LIST);
+    ASSERT_TRUE(list.good()) << KELMASN_SYMBOL_LIST;
+    std::set<std::string> committed;
+    for (std::string line; std::getline(list, line);)
+        if (!line.empty() && line[0] != '#')
+            committed.insert(line);
+    std::set<std::string> exported = exported_names(false);
+    exported.erase("KELMASN_1"); // the version node itself
+    ASSERT_GT(committed.size(), 1000u);
+    std::string added, removed;
+    for (const std::string& name : exported)
+        if (committed.count(name) == 0)
+            added += "  " + name + "\n";
+    for (const std::string& name : committed)
+        if (exported.count(name) == 0)
+            removed += "  " + name + "\n";
+    EXPECT_EQ(added, "") << "exported but not in the committed list";
+    EXPECT_EQ(removed, "") << "in the committed list but not exported";
 }

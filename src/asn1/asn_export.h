@@ -7,4 +7,8 @@
 
 #define KELM_API __attribute__((visibility("default")))
 
+// A member of an exported class that serves only the library itself: kept out of the dynamic
+// symbol table.
+#define KELM_LOCAL __attribute__((visibility("hidden")))
+
 #endif

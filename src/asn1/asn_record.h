@@ -152,9 +152,9 @@ class KELM_API kelm_asn_record : public kelm_asnbase {
                                const kelm_asn_buffer_t& in, int version, security_t mode);
 
   private:
-    void build_elements();
-    void destroy_elements();
-    [[noreturn]] void throw_memory_error(const char* message, int line = 0) const;
+    KELM_LOCAL void build_elements();
+    KELM_LOCAL void destroy_elements();
+    [[noreturn]] KELM_LOCAL void throw_memory_error(const char* message, int line = 0) const;
 
     const kelm_record_type& type_;
     unsigned char* arena_;     // every element object, built in place

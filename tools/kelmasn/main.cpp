@@ -18,7 +18,7 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
-#include "asn_record_registry.h"
+#include "record_registry.h"
 #include "der_dump.h"
 #include "json_records.h"
 #include "kelm/ekobjs.h"
