@@ -54,7 +54,19 @@
 #include <cstddef>
 #include <utility>
 
+#include "asn_source_site.h"
+
 namespace kelmz_detail {
+
+// The positions that the memory exceptions of the conversions (kelmz_internal.cpp) report.
+// Existing callers match these values in the exception line: they must never change, whatever
+// becomes of the layout of that file.
+// A converted text that would not fit in 32 bits.
+inline constexpr kelm_source_site kTextTooLongSite = {"src/asn1/kelmz_internal.cpp", 53};
+// A failed growth of the block a conversion writes into.
+inline constexpr kelm_source_site kTextGrowthSite = {"src/asn1/kelmz_internal.cpp", 62};
+// An iconv descriptor that could not be opened for want of memory.
+inline constexpr kelm_source_site kIconvOpenSite = {"src/asn1/kelmz_internal.cpp", 88};
 
 // A malloc block holding `length` bytes and a terminating NUL; the owner frees it. Moving hands
 // the block over and leaves an empty text behind.
