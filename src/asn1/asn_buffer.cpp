@@ -4,8 +4,18 @@
 #include <cstring>
 
 #include "asn_buffer.h"
+#include "asn_source_site.h"
 
 namespace {
+
+// The positions that the memory exceptions of this file report. Existing callers match these
+// values in the exception line: they must never change, whatever becomes of this file's layout.
+// A growth whose capacity would pass 32 bits.
+constexpr kelm_source_site kBufferCapacityOverflowSite = {"src/asn1/asn_buffer.cpp", 136};
+// A failed allocation of the new block of a secure buffer's growth.
+constexpr kelm_source_site kBufferSecureExtendSite = {"src/asn1/asn_buffer.cpp", 142};
+// A failed reallocation of a plain buffer's growth.
+constexpr kelm_source_site kBufferExtendSite = {"src/asn1/asn_buffer.cpp", 151};
 
 // Overwrites a block in a way the compiler may not drop as a dead store.
 void wipe(unsigned char* block, unsigned int n) {
@@ -133,13 +143,16 @@ int kelm_buffer_t::extend(unsigned int n) {
     // met and is reported as exhausted memory instead of growing to a smaller block.
     const unsigned long new_capacity = grown_capacity(static_cast<unsigned long>(n) + capacity);
     if (new_capacity > 0xffffffffUL)
-        throw kelm_asn_memexception(__FILE__, __LINE__, "Out of memory in buffer_t::extend");
+        throw kelm_asn_memexception(kBufferCapacityOverflowSite.file,
+                                    kBufferCapacityOverflowSite.line,
+                                    "Out of memory in buffer_t::extend");
     const ptrdiff_t cursor_offset = cursor - storage;
     unsigned char* block;
     if (security == KELM_SECURITY_SECURE) {
         block = static_cast<unsigned char*>(hooks.malloc(new_capacity));
         if (block == nullptr)
-            throw kelm_asn_memexception(__FILE__, __LINE__, "Out of memory in buffer_t::extend");
+            throw kelm_asn_memexception(kBufferSecureExtendSite.file, kBufferSecureExtendSite.line,
+                                        "Out of memory in buffer_t::extend");
         if (storage != nullptr) {
             std::memcpy(block, storage, capacity);
             wipe(storage, capacity);
@@ -148,7 +161,8 @@ int kelm_buffer_t::extend(unsigned int n) {
     } else {
         block = static_cast<unsigned char*>(hooks.realloc(storage, new_capacity));
         if (block == nullptr)
-            throw kelm_asn_memexception(__FILE__, __LINE__, "Out of memory in buffer_t::extend");
+            throw kelm_asn_memexception(kBufferExtendSite.file, kBufferExtendSite.line,
+                                        "Out of memory in buffer_t::extend");
     }
     storage = start = block;
     capacity = length = static_cast<unsigned int>(new_capacity);

@@ -52,8 +52,12 @@ constexpr Route check(Check table, Step first = nullptr) {
 }
 
 // Rows and columns of the matrix.
-constexpr unsigned int kStoredOrder[] = {12, 19, 20, 22, 26, 28, 30};
-constexpr unsigned int kTargetOrder[] = {22, 19, 26, 20, 30, 28, 12};
+constexpr unsigned int kStoredOrder[] = {
+    KELM_CODESET_UTF8,    KELM_CODESET_PRINTABLE, KELM_CODESET_T61, KELM_CODESET_IA5,
+    KELM_CODESET_VISIBLE, KELM_CODESET_UNIVERSAL, KELM_CODESET_BMP};
+constexpr unsigned int kTargetOrder[] = {
+    KELM_CODESET_IA5, KELM_CODESET_PRINTABLE, KELM_CODESET_VISIBLE, KELM_CODESET_T61,
+    KELM_CODESET_BMP, KELM_CODESET_UNIVERSAL, KELM_CODESET_UTF8};
 
 // Each row lists the routes to IA5, Printable, Visible, T.61, BMP, Universal and UTF-8.
 // UTF-8 read as Universal goes through BMP, so a character above U+FFFF has no Universal form
@@ -88,15 +92,24 @@ struct FromIA5 {
     bool replaces; // the converter clears its destination instead of appending
 };
 constexpr FromIA5 kFromIA5[] = {
-    {12, IA52UTF8, false}, {19, IA52P, true},  {20, IA52T61, false}, {22, nullptr, false},
-    {26, IA52V, true},     {28, IA52U, false}, {30, IA52BMP, false},
+    {KELM_CODESET_UTF8, IA52UTF8, false}, {KELM_CODESET_PRINTABLE, IA52P, true},
+    {KELM_CODESET_T61, IA52T61, false},   {KELM_CODESET_IA5, nullptr, false},
+    {KELM_CODESET_VISIBLE, IA52V, true},  {KELM_CODESET_UNIVERSAL, IA52U, false},
+    {KELM_CODESET_BMP, IA52BMP, false},
 };
 
-constexpr unsigned int kLocalTextOrder[] = {19, 20, 26, 22, 30, 12, 28};
-constexpr unsigned int kIA5PreferredOrder[] = {19, 20, 26, 22, 12, 30};
-// After 22, 12 and 30 the pass goes on to 28 and then to the three checked code sets, so that
-// every class meets each code set it accepts: a UniversalString takes any IA5 text as UCS-4.
-constexpr unsigned int kIA5AcceptedOrder[] = {22, 12, 30, 28, 19, 20, 26};
+constexpr unsigned int kLocalTextOrder[] = {
+    KELM_CODESET_PRINTABLE, KELM_CODESET_T61,  KELM_CODESET_VISIBLE,  KELM_CODESET_IA5,
+    KELM_CODESET_BMP,       KELM_CODESET_UTF8, KELM_CODESET_UNIVERSAL};
+constexpr unsigned int kIA5PreferredOrder[] = {KELM_CODESET_PRINTABLE, KELM_CODESET_T61,
+                                               KELM_CODESET_VISIBLE,   KELM_CODESET_IA5,
+                                               KELM_CODESET_UTF8,      KELM_CODESET_BMP};
+// After IA5, UTF-8 and BMP the pass goes on to Universal and then to the three checked code sets,
+// so that every class meets each code set it accepts: a UniversalString takes any IA5 text as
+// UCS-4.
+constexpr unsigned int kIA5AcceptedOrder[] = {
+    KELM_CODESET_IA5,       KELM_CODESET_UTF8, KELM_CODESET_BMP,    KELM_CODESET_UNIVERSAL,
+    KELM_CODESET_PRINTABLE, KELM_CODESET_T61,  KELM_CODESET_VISIBLE};
 
 constexpr TextPasses kLocalTextPasses{kLocalTextOrder, 7, kLocalTextOrder, 7};
 constexpr TextPasses kIA5TextPasses{kIA5PreferredOrder, 6, kIA5AcceptedOrder, 7};

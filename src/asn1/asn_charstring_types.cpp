@@ -32,28 +32,50 @@ struct StringType {
 enum Kind { kIA5, kPrintable, kVisible, kTeletex, kBMP, kUniversal, kUTF8, kDirectory };
 
 constexpr StringType kTypes[] = {
-    /* kIA5 */ {"IA5String", 22, codesets({22}), codesets({22}), 0},
-    /* kPrintable */ {"PrintableString", 19, codesets({19}), codesets({19}), 1},
-    /* kVisible */ {"VisibleString", 26, codesets({26}), codesets({26}), 1},
-    /* kTeletex */ {"TeletexString", 20, codesets({20}), codesets({20}), 0},
-    /* kBMP */ {"BMPString", 30, codesets({30}), codesets({30}), 0},
-    /* kUniversal */ {"UniversalString", 28, codesets({28}), codesets({28}), 0},
-    /* kUTF8 */ {"UTF8String", 12, codesets({12}), codesets({12}), 0},
+    /* kIA5 */ {"IA5String", KELM_CODESET_IA5, codesets({KELM_CODESET_IA5}),
+                codesets({KELM_CODESET_IA5}), 0},
+    /* kPrintable */
+    {"PrintableString", KELM_CODESET_PRINTABLE, codesets({KELM_CODESET_PRINTABLE}),
+     codesets({KELM_CODESET_PRINTABLE}), 1},
+    /* kVisible */
+    {"VisibleString", KELM_CODESET_VISIBLE, codesets({KELM_CODESET_VISIBLE}),
+     codesets({KELM_CODESET_VISIBLE}), 1},
+    /* kTeletex */
+    {"TeletexString", KELM_CODESET_T61, codesets({KELM_CODESET_T61}), codesets({KELM_CODESET_T61}),
+     0},
+    /* kBMP */
+    {"BMPString", KELM_CODESET_BMP, codesets({KELM_CODESET_BMP}), codesets({KELM_CODESET_BMP}), 0},
+    /* kUniversal */
+    {"UniversalString", KELM_CODESET_UNIVERSAL, codesets({KELM_CODESET_UNIVERSAL}),
+     codesets({KELM_CODESET_UNIVERSAL}), 0},
+    /* kUTF8 */
+    {"UTF8String", KELM_CODESET_UTF8, codesets({KELM_CODESET_UTF8}), codesets({KELM_CODESET_UTF8}),
+     0},
     // A new directory string takes PrintableString, the first code set text is tried in.
     /* kDirectory */
-    {"DirectoryString", 19, codesets({19, 26, 20, 28, 30, 22, 12}), codesets({19, 20, 28, 12}), 1},
+    {"DirectoryString", KELM_CODESET_PRINTABLE,
+     codesets({KELM_CODESET_PRINTABLE, KELM_CODESET_VISIBLE, KELM_CODESET_T61,
+               KELM_CODESET_UNIVERSAL, KELM_CODESET_BMP, KELM_CODESET_IA5, KELM_CODESET_UTF8}),
+     codesets(
+         {KELM_CODESET_PRINTABLE, KELM_CODESET_T61, KELM_CODESET_UNIVERSAL, KELM_CODESET_UTF8}),
+     1},
 };
 
 // The tags a directory string decodes: its alternatives. VisibleString (26) is accepted as a
 // code set but not as an incoming tag.
-constexpr unsigned int kDirectoryTags = codesets({19, 20, 30, 28, 12, 22});
+constexpr unsigned int kDirectoryTags =
+    codesets({KELM_CODESET_PRINTABLE, KELM_CODESET_T61, KELM_CODESET_BMP, KELM_CODESET_UNIVERSAL,
+              KELM_CODESET_UTF8, KELM_CODESET_IA5});
 
 // The order in which normalize offers the value to the preferred code sets: Printable, T.61,
 // Visible, IA5, then BMP, UTF-8, Universal.
-constexpr unsigned int kNormalizeOrder[] = {19, 20, 26, 22, 30, 12, 28};
+constexpr unsigned int kNormalizeOrder[] = {
+    KELM_CODESET_PRINTABLE, KELM_CODESET_T61,  KELM_CODESET_VISIBLE,  KELM_CODESET_IA5,
+    KELM_CODESET_BMP,       KELM_CODESET_UTF8, KELM_CODESET_UNIVERSAL};
 
 // The code sets set_preferred_codeset may choose when the value is not printable.
-constexpr unsigned int kChoosablePreferred = codesets({12, 20, 28, 30});
+constexpr unsigned int kChoosablePreferred =
+    codesets({KELM_CODESET_UTF8, KELM_CODESET_T61, KELM_CODESET_UNIVERSAL, KELM_CODESET_BMP});
 
 } // namespace
 

@@ -1,6 +1,18 @@
 // An untagged CHOICE: the selected alternative is written in its place, and reading tries the
 // alternatives in order.
 #include "asn_constructed.h"
+#include "asn_source_site.h"
+
+namespace {
+
+// The positions that the refusals of this file report. Existing callers match these values in
+// the exception line: they must never change, whatever becomes of this file's layout.
+// A CHOICE asked to read its own contents.
+constexpr kelm_source_site kChoiceDecodeValueSite = {"src/asn1/asn_choice.cpp", 12};
+// A CHOICE asked to write its own contents.
+constexpr kelm_source_site kChoiceEncodeValueSite = {"src/asn1/asn_choice.cpp", 16};
+
+} // namespace
 
 kelm_asn_choice::kelm_asn_choice(security_t sec) : kelm_asn_composite(sec), selection(-1) {
     set_type_name("CHOICE");
@@ -9,11 +21,13 @@ kelm_asn_choice::kelm_asn_choice(security_t sec) : kelm_asn_composite(sec), sele
 kelm_asn_choice::~kelm_asn_choice() = default;
 
 unsigned int kelm_asn_choice::decode_value(kelm_r_buffer_t&, unsigned int) {
-    throw kelm_asn_unsupportederror(__FILE__, __LINE__, "Error: asn_choice::decode_value called");
+    throw kelm_asn_unsupportederror(kChoiceDecodeValueSite.file, kChoiceDecodeValueSite.line,
+                                    "Error: asn_choice::decode_value called");
 }
 
 unsigned int kelm_asn_choice::encode_value(kelm_buffer_t&) const {
-    throw kelm_asn_unsupportederror(__FILE__, __LINE__, "Error: asn_choice::encode_value called");
+    throw kelm_asn_unsupportederror(kChoiceEncodeValueSite.file, kChoiceEncodeValueSite.line,
+                                    "Error: asn_choice::encode_value called");
 }
 
 unsigned int kelm_asn_choice::select(unsigned int index) {

@@ -4,8 +4,18 @@
 #include <cstring>
 
 #include "asn_constructed.h"
+#include "asn_source_site.h"
 
 namespace {
+
+// The positions that the memory exceptions of this file report. Existing callers match these
+// values in the exception line: they must never change, whatever becomes of this file's layout.
+// A failed allocation of the child slots asked for at construction.
+constexpr kelm_source_site kCompositeInitialChildrenSite = {"src/asn1/asn_composite.cpp", 39};
+// A growth of the child array whose slot count would pass 32 bits.
+constexpr kelm_source_site kCompositeChildCountOverflowSite = {"src/asn1/asn_composite.cpp", 52};
+// A failed reallocation of the child array.
+constexpr kelm_source_site kCompositeChildGrowthSite = {"src/asn1/asn_composite.cpp", 57};
 
 // Slots added when a full child array grows: 32 for the first array, 512 up to 4096 children,
 // then (children / 4096) * 512 up to 69631 children, and 512 again beyond.
@@ -36,7 +46,8 @@ kelm_asn_composite::kelm_asn_composite(unsigned int capacity, security_t sec)
     if (capacity != 0) {
         children = static_cast<kelm_asn_object**>(std::calloc(capacity, sizeof *children));
         if (children == nullptr)
-            throw kelm_asn_memexception(__FILE__, __LINE__,
+            throw kelm_asn_memexception(kCompositeInitialChildrenSite.file,
+                                        kCompositeInitialChildrenSite.line,
                                         "Out of memory in asn_composite::asn_composite");
         child_capacity = capacity;
     }
@@ -49,12 +60,13 @@ kelm_asn_composite::~kelm_asn_composite() {
 
 void kelm_asn_composite::grow_children(unsigned int step) {
     if (child_count > UINT_MAX - step)
-        throw kelm_asn_memexception(__FILE__, __LINE__,
+        throw kelm_asn_memexception(kCompositeChildCountOverflowSite.file,
+                                    kCompositeChildCountOverflowSite.line,
                                     "Out of memory in asn_composite::register_child");
     const unsigned int capacity = child_count + step;
     void* grown = std::realloc(children, static_cast<size_t>(capacity) * sizeof *children);
     if (grown == nullptr)
-        throw kelm_asn_memexception(__FILE__, __LINE__,
+        throw kelm_asn_memexception(kCompositeChildGrowthSite.file, kCompositeChildGrowthSite.line,
                                     "Out of memory in asn_composite::register_child");
     children = static_cast<kelm_asn_object**>(grown);
     for (unsigned int i = child_capacity; i < capacity; ++i)

@@ -5,11 +5,15 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "asn_source_site.h"
+
 namespace {
 
-// The line that the memory exception of a body copy reports. Kept for compatibility: existing
-// logs and the tools that read them carry this number for that failure.
-constexpr int kBodyCopyLine = 88;
+// The position that the memory exception of this file reports. Existing callers, their logs and
+// the tools that read them match this value in the exception line: it must never change, whatever
+// becomes of this file's layout.
+// A failed allocation of the copy of a certificate request's body.
+constexpr kelm_source_site kBodyCopySite = {"src/asn1/asn_ekobjs.cpp", 88};
 
 // The first non-zero of two statuses.
 unsigned int first_failure(unsigned int earlier, unsigned int later) {
@@ -59,7 +63,8 @@ unsigned int kelm_asn_cert_request_in::get_value(cert_request_in& record) const 
         return status;
     record.body = static_cast<unsigned char*>(std::malloc(length));
     if (record.body == nullptr)
-        throw kelm_asn_memexception(__FILE__, kBodyCopyLine, "Out of memory get_obj_body()");
+        throw kelm_asn_memexception(kBodyCopySite.file, kBodyCopySite.line,
+                                    "Out of memory get_obj_body()");
     std::memcpy(record.body, stored, length);
     return status;
 }

@@ -10,6 +10,16 @@
 #include <new>
 
 #include "asn_constructed.h"
+#include "asn_source_site.h"
+
+namespace kelm_asn_list_sites {
+
+// The position that the memory exception of this file reports. Existing callers match this value
+// in the exception line: it must never change, whatever becomes of this file's layout.
+// A failed allocation of an element read by a SEQUENCE OF.
+inline constexpr kelm_source_site kSequenceOfElementSite = {"src/asn1/asn_lists.h", 41};
+
+} // namespace kelm_asn_list_sites
 
 template <class T> class kelm_asn_sequenceof : public kelm_asn_sequence {
   public:
@@ -38,7 +48,8 @@ template <class T> class kelm_asn_sequenceof : public kelm_asn_sequence {
                 break;
             std::unique_ptr<T> element(new (std::nothrow) T(security));
             if (!element)
-                throw kelm_asn_memexception(__FILE__, __LINE__,
+                throw kelm_asn_memexception(kelm_asn_list_sites::kSequenceOfElementSite.file,
+                                            kelm_asn_list_sites::kSequenceOfElementSite.line,
                                             "Out of memory in asn_sequenceof:decode_value");
             const unsigned int status = element->asnread(contents);
             if (status != KELM_ASN_OK)

@@ -2,9 +2,17 @@
 #include <cstring>
 
 #include "asn_object.h"
+#include "asn_source_site.h"
 #include "kelm/kelm_der.h"
 
 namespace {
+
+// The positions that the refusals of this file report. Existing callers match these values in
+// the exception line: they must never change, whatever becomes of this file's layout.
+// A value object being copied.
+constexpr kelm_source_site kObjectCopySite = {"src/asn1/asn_object.cpp", 42};
+// A value object being assigned.
+constexpr kelm_source_site kObjectAssignSite = {"src/asn1/asn_object.cpp", 46};
 
 thread_local unsigned int decode_depth = 0;
 
@@ -39,11 +47,13 @@ kelm_asn_object::kelm_asn_object(security_t sec)
 }
 
 kelm_asn_object::kelm_asn_object(const kelm_asn_object&) : encoding(KELM_SECURITY_PLAIN) {
-    throw kelm_asn_unsupportederror(__FILE__, __LINE__, "Can't copy asn_objects");
+    throw kelm_asn_unsupportederror(kObjectCopySite.file, kObjectCopySite.line,
+                                    "Can't copy asn_objects");
 }
 
 kelm_asn_object& kelm_asn_object::operator=(const kelm_asn_object&) {
-    throw kelm_asn_unsupportederror(__FILE__, __LINE__, "Can't assign asn_objects");
+    throw kelm_asn_unsupportederror(kObjectAssignSite.file, kObjectAssignSite.line,
+                                    "Can't assign asn_objects");
 }
 
 kelm_asn_object::~kelm_asn_object() {

@@ -7,8 +7,14 @@
 #include <new>
 
 #include "asn_object.h"
+#include "asn_source_site.h"
 
 namespace kelm_asn_internal {
+
+// The position that the memory exception of this file reports. Existing callers match this value
+// in the exception line: it must never change, whatever becomes of this file's layout.
+// A failed allocation of a typed default value.
+inline constexpr kelm_source_site kInstallDefaultSite = {"src/asn1/asn_value_internal.h", 30};
 
 // The object whose value a getter of `self` returns: itself when present, else its default
 // value (which must be of the same class). Null, with `status` set, when there is neither.
@@ -27,7 +33,7 @@ template <class T> const T* value_source(const T& self, unsigned int& status) {
 template <class T, class... Args> unsigned int install_default(T& owner, Args... args) {
     std::unique_ptr<T> fallback(new (std::nothrow) T(KELM_SECURITY_PLAIN));
     if (!fallback)
-        throw kelm_asn_memexception(__FILE__, __LINE__,
+        throw kelm_asn_memexception(kInstallDefaultSite.file, kInstallDefaultSite.line,
                                     "Out of memory in asn_object::set_default_value");
     fallback->set_tag(owner.get_tag());
     fallback->set_class(owner.get_class());

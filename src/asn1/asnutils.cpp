@@ -5,17 +5,26 @@
 #include <cstring>
 #include <new>
 
+#include "asn_source_site.h"
+
 const char* const NULL_STRING = "";
 
 namespace {
 
 constexpr unsigned char kHeaderLength = 4;
 
-// Kept for compatibility with existing logs and the tools that read them: the string helper's
-// memory exceptions name these source positions, whatever the layout of this file.
-constexpr const char* kStringHelperSource = "src/asn1/asnutils.cpp";
-constexpr int kStringCopyLine = 36;
-constexpr int kEmptyStringLine = 46;
+// The positions that the memory exceptions of this file report. Existing callers, their logs and
+// the tools that read them match these values in the exception line: they must never change,
+// whatever becomes of this file's layout.
+// A failed allocation of the message base's default value.
+constexpr kelm_source_site kAsnbaseDefaultValueSite = {"src/asn1/asnutils.cpp", 44};
+// A failed allocation of the copy of an OCTET STRING's octets.
+constexpr kelm_source_site kOctetStringCopySite = {"src/asn1/asnutils.cpp", 204};
+// A failed allocation of the copy of a text by the string helper.
+constexpr kelm_source_site kStringCopySite = {"src/asn1/asnutils.cpp", 36};
+// A failed allocation of the empty text that the string helper returns for a missing value.
+constexpr kelm_source_site kEmptyStringSite = {"src/asn1/asnutils.cpp", 46};
+
 constexpr unsigned char kMagic1 = 0xAC;
 constexpr unsigned char kMagic2 = 0xDC;
 
@@ -41,7 +50,8 @@ int kelm_asnbase::set_default_value(kelm_asn_object* value) {
 int kelm_asnbase::set_default_value() {
     kelm_asnbase* fallback = new (std::nothrow) kelm_asnbase(KELM_SECURITY_PLAIN);
     if (fallback == nullptr)
-        throw kelm_asn_memexception(__FILE__, __LINE__, "ASN: Out of memory");
+        throw kelm_asn_memexception(kAsnbaseDefaultValueSite.file, kAsnbaseDefaultValueSite.line,
+                                    "ASN: Out of memory");
     return kelm_asn_object::set_default_value(fallback);
 }
 
@@ -201,7 +211,8 @@ unsigned int kelmasn_octetstring::get_value(unsigned char*& target, unsigned int
         return KELM_ASN_OK;
     target = static_cast<unsigned char*>(std::malloc(stored_count));
     if (target == nullptr)
-        throw kelm_asn_memexception(__FILE__, __LINE__, "ASN: Out of memory");
+        throw kelm_asn_memexception(kOctetStringCopySite.file, kOctetStringCopySite.line,
+                                    "ASN: Out of memory");
     std::memcpy(target, stored, stored_count);
     return KELM_ASN_OK;
 }
@@ -237,14 +248,14 @@ unsigned int kelm_get_strvalue(const kelm_asn_octetstring& value, unsigned char*
     if (count < 2) {
         text = static_cast<unsigned char*>(std::malloc(1));
         if (text == nullptr)
-            throw kelm_asn_memexception(kStringHelperSource, kEmptyStringLine,
+            throw kelm_asn_memexception(kEmptyStringSite.file, kEmptyStringSite.line,
                                         "Out of memory get_strvalue()");
         text[0] = 0;
         return KELM_ASN_OK;
     }
     text = static_cast<unsigned char*>(std::malloc(count));
     if (text == nullptr)
-        throw kelm_asn_memexception(kStringHelperSource, kStringCopyLine,
+        throw kelm_asn_memexception(kStringCopySite.file, kStringCopySite.line,
                                     "Out of memory get_strvalue()");
     std::memcpy(text, stored, count);
     return KELM_ASN_OK;

@@ -3,8 +3,8 @@
 // The converters write their output in chunks: each loop fills a local block and hands it to
 // the destination with one append, so the inner loop stores through a local index instead of
 // re-reading the destination's fields after every octet.
-#ifndef KELM_CODESET_SUPPORT_H
-#define KELM_CODESET_SUPPORT_H
+#ifndef KELM_CODESET_INTERNAL_H
+#define KELM_CODESET_INTERNAL_H
 
 #include "asn_buffer.h"
 #include "codeset.h"

@@ -19,6 +19,11 @@ const char kAscii[] = "ANSI_X3.4-1968";
 const char kReplacement = '?';
 const char kOutOfMemory[] = "Out of memory converting text between the local code set and UTF-8";
 
+// The fixed positions that this file's memory exceptions report (see kelmz_internal.h).
+using kelmz_detail::kIconvOpenSite;
+using kelmz_detail::kTextGrowthSite;
+using kelmz_detail::kTextTooLongSite;
+
 // Results are handed to the runtime, whose value lengths are 32-bit; the terminator needs a byte.
 constexpr size_t kMaxCapacity = UINT_MAX;
 // Room asked for before each iconv call: more than any one character takes in any code set, so
@@ -50,7 +55,7 @@ class TextBuilder {
         if (capacity_ != 0 && room() >= n)
             return;
         if (n > kMaxCapacity - 1 - length_)
-            throw kelm_asn_memexception(__FILE__, __LINE__,
+            throw kelm_asn_memexception(kTextTooLongSite.file, kTextTooLongSite.line,
                                         "Converted text would not fit in 32 bits");
         size_t wanted = length_ + n + 1;
         const size_t geometric = capacity_ + capacity_ / 2;
@@ -59,7 +64,7 @@ class TextBuilder {
         // On failure the old block stays ours and the destructor frees it.
         char* grown = static_cast<char*>(std::realloc(chars_, wanted));
         if (grown == nullptr)
-            throw kelm_asn_memexception(__FILE__, __LINE__, kOutOfMemory);
+            throw kelm_asn_memexception(kTextGrowthSite.file, kTextGrowthSite.line, kOutOfMemory);
         chars_ = grown;
         capacity_ = wanted;
     }
@@ -85,7 +90,7 @@ class IconvDescriptor {
   public:
     IconvDescriptor(const char* to, const char* from) : cd_(iconv_open(to, from)) {
         if (!opened() && errno == ENOMEM)
-            throw kelm_asn_memexception(__FILE__, __LINE__, kOutOfMemory);
+            throw kelm_asn_memexception(kIconvOpenSite.file, kIconvOpenSite.line, kOutOfMemory);
     }
     ~IconvDescriptor() {
         if (opened())

@@ -231,8 +231,8 @@ class Walker {
     }
 
     // Reads the element at `offset` (which must end by `end`), prints it and its children, and
-    // sets `next` to the offset after it. `in_indefinite` says whether an end-of-contents marker
-    // may end the enclosing element.
+    // sets `next` to the offset after it. `depth` is the element's nesting level (0 at the top):
+    // it indents the printed line, and an element nested deeper than KELM_ASN_MAX_NESTING fails.
     bool element(size_t offset, size_t end, unsigned int depth, size_t& next) {
         if (depth > KELM_ASN_MAX_NESTING)
             return fail(offset,
