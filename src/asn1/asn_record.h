@@ -16,6 +16,7 @@
 #include <new>
 
 #include "asn_lists.h"
+#include "asn_source_site.h"
 #include "asn_utf8string.h"
 #include "asnutils.h"
 
@@ -80,14 +81,6 @@ struct kelm_list_failure_lines {
     int array = 0; // an array (or a separately allocated entry) that cannot be allocated while
                    // decoding
     int child = 0; // a child missing before the list's count is reached while decoding
-};
-
-// Where a type's memory exceptions say they were thrown. Existing callers match these names and
-// lines on stderr, so each type declares them as fixed values: moving or reformatting a
-// declaration changes nothing a caller sees.
-struct kelm_record_site {
-    const char* file;
-    int line;
 };
 
 struct kelm_record_type {

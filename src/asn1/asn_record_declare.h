@@ -75,8 +75,10 @@ struct kelm_record_quirks {
 inline constexpr kelm_record_quirks kelm_no_quirks{};
 
 // The site that a record type's memory exceptions name, written as a call so that it passes
-// through a macro argument whole.
-constexpr kelm_record_site kelm_site(const char* file, int line) {
+// through a macro argument whole. Existing callers match these names and lines on stderr, so each
+// type declares them as fixed values: moving or reformatting a declaration changes nothing a
+// caller sees.
+constexpr kelm_source_site kelm_site(const char* file, int line) {
     return {file, line};
 }
 
@@ -184,7 +186,7 @@ constexpr kelm_record_field list(const char* name, size_t offset, size_t count_o
 
 template <class Class, class Record, size_t N>
 constexpr kelm_record_type make_type(const char* class_name, const char* record_name,
-                                     const kelm_record_field (&fields)[N], kelm_record_site site,
+                                     const kelm_record_field (&fields)[N], kelm_source_site site,
                                      kelm_record_quirks quirks) {
     static_assert(std::is_same_v<typename Class::record_t, Record>,
                   "the message class serves another record");
