@@ -13,6 +13,7 @@
 
 #include <cstdint>
 
+#include "asn_der.h"
 #include "asnbase.h"
 
 // Output record of kelmAsnGetOIDValue: the contents octets as they stand (arcs not decoded).
@@ -21,23 +22,8 @@ struct kelm_asn_oid_t {
     unsigned char* bytes; // malloc'ed copy of the contents octets
 };
 
-// Reads the identifier octets: tag number, constructed flag (0 or 1) and class (0 universal,
-// 1 application, 2 context-specific, 3 private).
-//
-// Kept for compatibility with existing callers, exactly: in the high-tag form (low five bits
-// 0x1F) the caller's cursor is not moved; the position of the last identifier octet is stored
-// in the pointer slot directly after `*cursor` (so `cursor` must point at the first of two
-// adjacent pointer slots), the remaining count is decreased by all the identifier octets, and
-// the tag starts from the masked first octet (b & 0x7F) and accumulates every later octet but
-// the last.
-KELM_API unsigned int kelmAsnGetType(unsigned char** cursor, unsigned int* remaining,
-                                     unsigned int* tag, unsigned int* constructed,
-                                     unsigned int* tag_class);
-
-// Reads the length octets. `definite` is 0 for the indefinite form (length 0). Long forms of
-// any number of octets are read; more than four octets overflow the 32-bit length.
-KELM_API unsigned int kelmAsnGetLength(unsigned char** cursor, unsigned int* remaining,
-                                       unsigned int* definite, unsigned int* length);
+// kelmAsnGetType and kelmAsnGetLength, the identifier and length readers that every other
+// function here builds on, are declared in asn_der.h.
 
 // Reads `size` (at most 8) contents octets as a two's-complement value. The sign comes from the
 // byte at the cursor, which is examined even when size is 0.

@@ -1,7 +1,7 @@
 // BIT STRING (X.690 8.6), primitive or constructed, and the named-bit variant.
 #include "asn_primitives.h"
 #include "asn_value_internal.h"
-#include "kelm/kelm_der.h"
+#include "asn_der.h"
 
 using kelm_asn_internal::install_default;
 using kelm_asn_internal::value_source;

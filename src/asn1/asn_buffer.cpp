@@ -212,3 +212,7 @@ int kelm_buffer_t::detach(unsigned char*& data, unsigned int& len) {
     length = 0;
     return 0;
 }
+
+int check_EOC(kelm_r_buffer_t reader) {
+    return reader.remaining >= 2 && reader.cursor[0] == 0x00 && reader.cursor[1] == 0x00 ? 1 : 0;
+}

@@ -3,7 +3,7 @@
 
 #include "asn_object.h"
 #include "asn_source_site.h"
-#include "kelm/kelm_der.h"
+#include "asn_der.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 
 #include "asn_constructed.h"
 #include "asn_primitives.h"
-#include "kelm/kelm_asn_buffer.h"
+#include "kelm_asn_buffer.h"
 
 // The empty string stored for a null text pointer.
 extern KELM_API const char* const NULL_STRING;

@@ -62,15 +62,23 @@ for f in kelmasnConfig.cmake kelmasnConfigVersion.cmake kelmasnTargets.cmake; do
 done
 echo "ok: shared library with SONAME and links, static library, CMake package, pkg-config file"
 
-# Exactly the headers of include/kelm and src/asn1, flat, less the *_internal.h ones.
-expected_headers=$(cd "$source_dir" && ls include/kelm/*.h src/asn1/*.h | xargs -n1 basename |
-  grep -v '_internal\.h$' | sort)
+# Exactly the headers of the committed list, flat.
+expected_headers=$(grep -v '^#' "$source_dir/src/installed-headers.txt" | xargs -n1 basename | sort)
 installed_headers=$(cd "$prefix/include/kelm" && ls | sort)
 [ "$installed_headers" = "$expected_headers" ] || fail "installed headers:
 $installed_headers
 expected:
 $expected_headers"
 echo "ok: $(echo "$installed_headers" | wc -l) headers in include/kelm"
+
+# Each installed header compiles on its own from the prefix: none reaches a header that is not
+# installed.
+for header in $installed_headers; do
+  echo "#include <kelm/$header>" |
+    "$cxx" -std=c++17 -fsyntax-only -Wall -Wextra -Werror -I"$prefix/include" -x c++ - ||
+    fail "installed header $header does not compile on its own"
+done
+echo "ok: every installed header compiles alone"
 
 # The package files must not point back into the source or build tree.
 if grep -rlF -e "$source_dir" -e "$build_dir" "$libdir/pkgconfig" "$libdir/cmake"; then
