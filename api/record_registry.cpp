@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string>
 
+#include "ekobjs_asn.h"
 #include "record_types.h"
 
 namespace {
@@ -11,6 +12,12 @@ namespace {
 #define KELM_REGISTER_RECORD_TYPE(type, record) &type,
 const kelm_record_type* const kTypes[] = {KELM_FOR_EACH_RECORD_TYPE(KELM_REGISTER_RECORD_TYPE)};
 #undef KELM_REGISTER_RECORD_TYPE
+
+const kelm_type_code_type kTypeCodeTypes[] = {
+    {KELMASN_TYPE_CERT_REQUEST, &kelm_cert_request_layout},
+    {KELMASN_TYPE_EKOBJ_UPDATE_LIST, &kelm_ekobj_update_list_layout},
+    {KELMASN_TYPE_INTEGER, &kelm_bare_int_layout},
+};
 
 // The short name: the class name without "asn_". A name given without the final "_t" of a short
 // name is matched by kelm_record_type_named.
@@ -40,4 +47,9 @@ const kelm_record_type* kelm_record_type_named(const char* name) {
             return type;
     }
     return nullptr;
+}
+
+const kelm_type_code_type* kelm_type_code_types(unsigned int& count) {
+    count = sizeof kTypeCodeTypes / sizeof kTypeCodeTypes[0];
+    return kTypeCodeTypes;
 }

@@ -13,4 +13,15 @@ const kelm_record_type* const* kelm_record_types(unsigned int& count);
 // "attr") is `name`; null when there is none.
 const kelm_record_type* kelm_record_type_named(const char* name);
 
+// A record type reached by type code (kelmasn_encode_obj and kelmasn_decode_obj): its code and its
+// description.
+struct kelm_type_code_type {
+    unsigned int code;
+    const kelm_record_type* type;
+};
+
+// The record types reached by type code, in the order of their codes; `count` receives their
+// number.
+const kelm_type_code_type* kelm_type_code_types(unsigned int& count);
+
 #endif

@@ -14,6 +14,7 @@
 
 #include "alloc_failure.h"
 #include "asn_record_kinds.h"
+#include "kelm/kelmasn.h"
 #include "record_registry.h"
 
 namespace {
@@ -339,3 +340,79 @@ TEST_P(RecordBattery, GarbageAfterAValidHeaderNeverCrashes) {
 }
 
 INSTANTIATE_TEST_SUITE_P(AllTypes, RecordBattery, ::testing::ValuesIn(all_types()), type_label);
+
+// --- the records reached by type code --------------------------------------------------------
+
+namespace {
+
+class TypeCodeBattery : public ::testing::TestWithParam<kelm_type_code_type> {};
+
+std::vector<kelm_type_code_type> all_type_code_types() {
+    unsigned int count = 0;
+    const kelm_type_code_type* types = kelm_type_code_types(count);
+    return std::vector<kelm_type_code_type>(types, types + count);
+}
+
+std::string code_label(const ::testing::TestParamInfo<kelm_type_code_type>& info) {
+    return std::string("code_") + std::to_string(info.param.code);
+}
+
+// A record reached by type code, released with kelmasn_obj_free.
+struct TypeCodeRecord {
+    explicit TypeCodeRecord(const kelm_type_code_type& t)
+        : code(t.code), bytes(std::calloc(1, t.type->record_size)) {}
+    ~TypeCodeRecord() {
+        kelmasn_obj_free(2, code, bytes);
+        std::free(bytes);
+    }
+    TypeCodeRecord(const TypeCodeRecord&) = delete;
+    TypeCodeRecord& operator=(const TypeCodeRecord&) = delete;
+    unsigned int code;
+    void* bytes;
+};
+
+} // namespace
+
+TEST_P(TypeCodeBattery, RandomRecordsRoundTripFieldByFieldThroughTheTypeCode) {
+    const kelm_type_code_type& entry = GetParam();
+    const kelm_record_type& type = *entry.type;
+    RandomRecords generator(4321);
+    for (int round = 0; round < 12; ++round) {
+        SCOPED_TRACE(::testing::Message() << "round " << round);
+        TypeCodeRecord original(entry);
+        generator.fill(type, original.bytes, 0);
+        kelm_asn_buffer_t wire{0, nullptr};
+        ASSERT_EQ(kelmasn_encode_obj(2, original.bytes, entry.code, wire), 0u);
+        const Bytes bytes(wire.data, wire.data + wire.length);
+        kelm_asn_buffer_free(wire);
+        TypeCodeRecord back(entry);
+        Bytes input = bytes;
+        kelm_asn_buffer_t in{input.size(), input.data()};
+        ASSERT_EQ(kelmasn_decode_obj(2, in, entry.code, back.bytes), 0u);
+        EXPECT_EQ(difference(type, original.bytes, back.bytes, type.record_name), "");
+    }
+}
+
+// The declared shape of the encoding: after the header, a SEQUENCE whose first element is the
+// version INTEGER 1 (02 01 01), or for a bare element the element itself.
+TEST_P(TypeCodeBattery, EncodingStartsAsItsDescriptionDeclares) {
+    const kelm_type_code_type& entry = GetParam();
+    TypeCodeRecord empty(entry);
+    kelm_asn_buffer_t wire{0, nullptr};
+    ASSERT_EQ(kelmasn_encode_obj(2, empty.bytes, entry.code, wire), 0u);
+    const Bytes bytes(wire.data, wire.data + wire.length);
+    kelm_asn_buffer_free(wire);
+    ASSERT_GE(bytes.size(), 7u);
+    EXPECT_EQ(Bytes(bytes.begin(), bytes.begin() + 4), (Bytes{0x04, 0x02, 0xAC, 0xDC}));
+    if (entry.type->flags & KELM_RECORD_VERSION_ELEMENT) {
+        ASSERT_GE(bytes.size(), 9u);
+        EXPECT_EQ(bytes[4], 0x30);
+        EXPECT_EQ(Bytes(bytes.begin() + 6, bytes.begin() + 9), (Bytes{0x02, 0x01, 0x01}));
+    } else {
+        EXPECT_TRUE(entry.type->flags & KELM_RECORD_BARE_ELEMENT);
+        EXPECT_EQ(bytes[4], 0x02);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(AllTypeCodes, TypeCodeBattery, ::testing::ValuesIn(all_type_code_types()),
+                         code_label);

@@ -72,6 +72,12 @@ enum : unsigned int {
     // get_record ignores the statuses of its elements' copies (a text that cannot be allocated
     // is left null, a nested record's status is dropped) and returns 0.
     KELM_RECORD_IGNORES_ELEMENT_STATUS = 2,
+    // The SEQUENCE starts with the version element INTEGER 1, written always and never read back
+    // (the records reached by type code).
+    KELM_RECORD_VERSION_ELEMENT = 4,
+    // The one field is the whole encoding, not wrapped in a SEQUENCE (the bare INTEGER of a type
+    // code).
+    KELM_RECORD_BARE_ELEMENT = 8,
 };
 
 // Source lines that a type's memory exceptions name, one per failure site of its lists, for a

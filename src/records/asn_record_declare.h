@@ -56,6 +56,18 @@ struct kelm_record_quirks {
         q.flags |= KELM_RECORD_IGNORES_ELEMENT_STATUS;
         return q;
     }
+    // The SEQUENCE starts with the version element INTEGER 1.
+    constexpr kelm_record_quirks version_element() const {
+        kelm_record_quirks q = *this;
+        q.flags |= KELM_RECORD_VERSION_ELEMENT;
+        return q;
+    }
+    // The one field is the whole encoding.
+    constexpr kelm_record_quirks bare_element() const {
+        kelm_record_quirks q = *this;
+        q.flags |= KELM_RECORD_BARE_ELEMENT;
+        return q;
+    }
     // get_record clears the record with `hook` instead of clearing all of it.
     constexpr kelm_record_quirks cleared_by(void (*hook)(void*)) const {
         kelm_record_quirks q = *this;
@@ -203,6 +215,25 @@ constexpr kelm_record_type make_type(const char* class_name, const char* record_
             quirks.list_failure_lines};
 }
 
+// The description of a record that a hand-written message class encodes (no kelm_asn_record is
+// built for it): its fields for the tool and the tests. Its class throws at sites of its own.
+template <class Record, size_t N>
+constexpr kelm_record_type make_layout(const char* class_name, const char* record_name,
+                                       const kelm_record_field (&fields)[N],
+                                       kelm_record_quirks quirks) {
+    return {class_name,
+            record_name,
+            sizeof(Record),
+            fields,
+            static_cast<unsigned int>(N),
+            nullptr,
+            nullptr,
+            0,
+            quirks.flags,
+            quirks.clear,
+            quirks.list_failure_lines};
+}
+
 } // namespace kelm_record_declare
 
 // The message class `Class` of C record `Record`, described by the record type `Type` that
@@ -217,7 +248,15 @@ constexpr kelm_record_type make_type(const char* class_name, const char* record_
         using kelm_asn_message::kelm_asn_message;                                                  \
     }
 
-// Field declarations, valid inside KELM_DEFINE_RECORD_TYPE.
+// The record type `Type` of C record `Record` that a hand-written message class encodes, described
+// by KELM_DEFINE_RECORD_LAYOUT.
+#define KELM_RECORD_LAYOUT(Record, Type)                                                           \
+    extern const kelm_record_type Type;                                                            \
+    template <> struct kelm_record_traits<Record> {                                                \
+        static constexpr const kelm_record_type* type = &Type;                                     \
+    }
+
+// Field declarations, valid inside KELM_DEFINE_RECORD_TYPE and KELM_DEFINE_RECORD_LAYOUT.
 #define KELM_FIELD(member)                                                                         \
     kelm_record_declare::field<decltype(declared_record::member)>(                                 \
         #member, offsetof(declared_record, member))
@@ -247,5 +286,18 @@ constexpr kelm_record_type make_type(const char* class_name, const char* record_
     }                                                                                              \
     const kelm_record_type Type = kelm_record_declare::make_type<Class, Record>(                   \
         #Class, #Record, Type##_declaration::fields, Site, Quirks)
+
+// Defines the description `Type` of C record `Record`, which the hand-written class named
+// `ClassName` encodes; `RecordName` is the record's name for the tool. Fields as for
+// KELM_DEFINE_RECORD_TYPE.
+#define KELM_DEFINE_RECORD_LAYOUT(Type, Record, ClassName, RecordName, Quirks, ...)                \
+    namespace {                                                                                    \
+    namespace Type##_declaration {                                                                 \
+        using declared_record = Record;                                                            \
+        const kelm_record_field fields[] = {__VA_ARGS__};                                          \
+    }                                                                                              \
+    }                                                                                              \
+    const kelm_record_type Type = kelm_record_declare::make_layout<Record>(                        \
+        ClassName, RecordName, Type##_declaration::fields, Quirks)
 
 #endif

@@ -18,11 +18,11 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
-#include "record_registry.h"
 #include "der_dump.h"
 #include "json_records.h"
 #include "kelm/ekobjs.h"
 #include "kelm/kelm_entry.h"
+#include "record_registry.h"
 #include "type_code_records.h"
 
 namespace {
@@ -51,33 +51,69 @@ int complain(const std::string& message) {
     return 1;
 }
 
-const kelm_record_type* find_type(const std::string& name) {
-    const kelm_record_type* type = kelm_record_type_named(name.c_str());
-    if (type == nullptr)
-        complain("unknown record type " + name + " (kelmasn types lists them)");
-    return type;
-}
-
 std::string status_line(unsigned int status) {
     char code[16];
     std::snprintf(code, sizeof code, "0x%08x", status);
     return std::string("status ") + code + " (" + kelm_asn_status_text(status) + ")";
 }
 
-// A zeroed record of the type's size, released with the type's free function.
+// A record type as the tool reaches it: through the record mechanism, or by its type code.
+struct ToolType {
+    const kelm_record_type* type;
+    unsigned int code; // 0 for a type with typed entry points
+};
+
+// The type that TYPE names: a record type's name, or a type code's record name or number. Null
+// `type` when nothing has that name; `code` then holds a number given as TYPE (0 for a name).
+ToolType resolve_type(const std::string& name) {
+    unsigned int count = 0;
+    const kelm_type_code_type* by_code = kelm_type_code_types(count);
+    unsigned int code = 0;
+    const bool numeric = kelmasn_tool::parse_type_code(name, code);
+    for (unsigned int i = 0; i < count; ++i)
+        if (numeric ? by_code[i].code == code : name == by_code[i].type->record_name)
+            return ToolType{by_code[i].type, by_code[i].code};
+    if (numeric)
+        return ToolType{nullptr, code};
+    return ToolType{kelm_record_type_named(name.c_str()), 0};
+}
+
+// A zeroed record of the type's size, released as its type releases records.
 struct RecordStorage {
-    explicit RecordStorage(const kelm_record_type& t)
-        : type(t), bytes(std::calloc(1, t.record_size)) {}
+    explicit RecordStorage(const ToolType& t)
+        : type(t), bytes(std::calloc(1, t.type->record_size)) {}
     ~RecordStorage() {
-        if (bytes != nullptr)
-            kelm_asn_record::free_record(type, bytes);
+        if (bytes != nullptr) {
+            if (type.code != 0)
+                kelmasn_obj_free(0, type.code, bytes);
+            else
+                kelm_asn_record::free_record(*type.type, bytes);
+        }
         std::free(bytes);
     }
     RecordStorage(const RecordStorage&) = delete;
     RecordStorage& operator=(const RecordStorage&) = delete;
-    const kelm_record_type& type;
+    const ToolType& type;
     void* bytes;
 };
+
+// The records reached by type code go through kelmasn_encode_obj and kelmasn_decode_obj, always
+// in the plain mode; every other type through the record mechanism in the mode asked for.
+unsigned int encode_record(const ToolType& t, void* record, kelm_asn_buffer_t& out, int version,
+                           bool local) {
+    if (t.code != 0)
+        return kelmasn_encode_obj(version, record, t.code, out);
+    return kelm_asn_record::encode(*t.type, record, out, version,
+                                   local ? KELM_SECURITY_LOCAL_CODESET : KELM_SECURITY_PLAIN);
+}
+
+unsigned int decode_record(const ToolType& t, void* record, kelm_asn_buffer_t& in, int version,
+                           bool local) {
+    if (t.code != 0)
+        return kelmasn_decode_obj(version, in, t.code, record);
+    return kelm_asn_record::decode(*t.type, record, in, version,
+                                   local ? KELM_SECURITY_LOCAL_CODESET : KELM_SECURITY_PLAIN);
+}
 
 int run_der(const std::string& path) {
     std::vector<unsigned char> bytes;
@@ -100,27 +136,12 @@ int run_types() {
     const kelm_record_type* const* types = kelm_record_types(count);
     for (unsigned int i = 0; i < count; ++i)
         std::printf("%-36s %s\n", types[i]->record_name, types[i]->class_name);
-    const kelmasn_tool::TypeCodeRecord* by_code = kelmasn_tool::type_code_records(count);
+    const kelm_type_code_type* by_code = kelm_type_code_types(count);
     for (unsigned int i = 0; i < count; ++i)
-        std::printf("%-36s %s, type code 0x%x\n", by_code[i].name, by_code[i].class_name,
-                    by_code[i].code);
+        std::printf("%-36s %s, type code 0x%x\n", by_code[i].type->record_name,
+                    by_code[i].type->class_name, by_code[i].code);
     return 0;
 }
-
-// --- the types reached by type code ------------------------------------------------------------
-
-// Room for any record reached by type code, zeroed; released with kelmasn_obj_free.
-struct TypeCodeStorage {
-    explicit TypeCodeStorage(unsigned int code) : type(code) {}
-    ~TypeCodeStorage() { kelmasn_obj_free(0, type, bytes); }
-    TypeCodeStorage(const TypeCodeStorage&) = delete;
-    TypeCodeStorage& operator=(const TypeCodeStorage&) = delete;
-    unsigned int type;
-    alignas(8) unsigned char bytes[sizeof(cert_request_in)] = {};
-};
-static_assert(sizeof(cert_request_in) >= sizeof(ekobj_update_list_s_t) &&
-                  sizeof(cert_request_in) >= sizeof(int),
-              "the storage holds every record reached by type code");
 
 std::string code_text(unsigned int code) {
     char text[16];
@@ -131,29 +152,28 @@ std::string code_text(unsigned int code) {
 // A numeric TYPE that no record type has goes to the library all the same, which answers with
 // its status for an unknown type code.
 int run_unknown_code(unsigned int code, const std::string& path, bool encoding, int version) {
-    TypeCodeStorage record(code);
+    alignas(8) unsigned char record[64] = {};
     kelm_asn_buffer_t buffer{0, nullptr};
-    const unsigned int status = encoding ? kelmasn_encode_obj(version, record.bytes, code, buffer)
-                                         : kelmasn_decode_obj(version, buffer, code, record.bytes);
+    const unsigned int status = encoding ? kelmasn_encode_obj(version, record, code, buffer)
+                                         : kelmasn_decode_obj(version, buffer, code, record);
     return complain(path + ": cannot " + (encoding ? "encode" : "decode") + " type code " +
                     code_text(code) + ": " + status_line(status));
 }
 
-int run_decode_by_code(const kelmasn_tool::TypeCodeRecord& type, const std::string& path,
-                       int version) {
-    std::vector<unsigned char> bytes;
-    std::string error;
-    if (!read_input(path, bytes, error))
-        return complain(error);
-    TypeCodeStorage record(type.code);
-    kelm_asn_buffer_t buffer{bytes.size(), bytes.data()};
-    const unsigned int status = kelmasn_decode_obj(version, buffer, type.code, record.bytes);
-    if (status != 0)
-        return complain(path + ": cannot decode " + type.name + ": " + status_line(status));
-    std::cout << kelmasn_tool::record_to_json(*type.json_fields, record.bytes)
-                     .dump(2, ' ', false, nlohmann::json::error_handler_t::replace)
-              << "\n";
-    return 0;
+// The type named `type_name` for `decode` or `encode`; null with the message written when there is
+// none, or when --lcs is asked of a type reached by type code.
+const ToolType* find_type(const std::string& type_name, bool local, ToolType& found) {
+    found = resolve_type(type_name);
+    if (found.type == nullptr) {
+        if (found.code == 0)
+            complain("unknown record type " + type_name + " (kelmasn types lists them)");
+        return nullptr;
+    }
+    if (local && found.code != 0) {
+        complain("--lcs: " + type_name + " is reached by type code, always plain");
+        return nullptr;
+    }
+    return &found;
 }
 
 bool write_output(const std::string& output, const kelm_asn_buffer_t& buffer) {
@@ -165,46 +185,13 @@ bool write_output(const std::string& output, const kelm_asn_buffer_t& buffer) {
     return written && closed;
 }
 
-int run_encode_by_code(const kelmasn_tool::TypeCodeRecord& type, const std::string& path,
-                       const std::string& output, int version) {
-    std::vector<unsigned char> bytes;
-    std::string error;
-    if (!read_input(path, bytes, error))
-        return complain(error);
-    nlohmann::ordered_json document;
-    try {
-        document = nlohmann::ordered_json::parse(bytes.begin(), bytes.end());
-    } catch (const nlohmann::json::exception& e) {
-        return complain(path + ": not JSON: " + e.what());
-    }
-    TypeCodeStorage record(type.code);
-    try {
-        kelmasn_tool::record_from_json(*type.json_fields, document, record.bytes);
-    } catch (const kelmasn_tool::JsonFieldError& e) {
-        return complain(path + ": " + e.what());
-    }
-    kelm_asn_buffer_t buffer{0, nullptr};
-    const unsigned int status = kelmasn_encode_obj(version, record.bytes, type.code, buffer);
-    if (status != 0)
-        return complain(path + ": cannot encode " + type.name + ": " + status_line(status));
-    const bool written = write_output(output, buffer);
-    kelm_asn_buffer_free(buffer);
-    if (!written)
-        return complain("cannot write " + output);
-    return 0;
-}
-
 int run_decode(const std::string& type_name, const std::string& path, bool local, int version) {
-    if (const kelmasn_tool::TypeCodeRecord* by_code =
-            kelmasn_tool::type_code_record_named(type_name))
-        return local ? complain("--lcs: " + type_name + " is reached by type code, always plain")
-                     : run_decode_by_code(*by_code, path, version);
-    unsigned int code = 0;
-    if (kelmasn_tool::parse_type_code(type_name, code))
-        return run_unknown_code(code, path, false, version);
-    const kelm_record_type* type = find_type(type_name);
+    ToolType found{nullptr, 0};
+    const ToolType* type = find_type(type_name, local, found);
     if (type == nullptr)
-        return 1;
+        return found.type == nullptr && found.code != 0
+                   ? run_unknown_code(found.code, path, false, version)
+                   : 1;
     std::vector<unsigned char> bytes;
     std::string error;
     if (!read_input(path, bytes, error))
@@ -213,12 +200,11 @@ int run_decode(const std::string& type_name, const std::string& path, bool local
     if (record.bytes == nullptr)
         return complain("out of memory");
     kelm_asn_buffer_t buffer{bytes.size(), bytes.data()};
-    const unsigned int status =
-        kelm_asn_record::decode(*type, record.bytes, buffer, version,
-                                local ? KELM_SECURITY_LOCAL_CODESET : KELM_SECURITY_PLAIN);
+    const unsigned int status = decode_record(*type, record.bytes, buffer, version, local);
     if (status != 0)
-        return complain(path + ": cannot decode " + type->record_name + ": " + status_line(status));
-    std::cout << kelmasn_tool::record_to_json(*type, record.bytes)
+        return complain(path + ": cannot decode " + type->type->record_name + ": " +
+                        status_line(status));
+    std::cout << kelmasn_tool::record_to_json(*type->type, record.bytes)
                      .dump(2, ' ', false, nlohmann::json::error_handler_t::replace)
               << "\n";
     return 0;
@@ -226,16 +212,12 @@ int run_decode(const std::string& type_name, const std::string& path, bool local
 
 int run_encode(const std::string& type_name, const std::string& path, const std::string& output,
                bool local, int version) {
-    if (const kelmasn_tool::TypeCodeRecord* by_code =
-            kelmasn_tool::type_code_record_named(type_name))
-        return local ? complain("--lcs: " + type_name + " is reached by type code, always plain")
-                     : run_encode_by_code(*by_code, path, output, version);
-    unsigned int code = 0;
-    if (kelmasn_tool::parse_type_code(type_name, code))
-        return run_unknown_code(code, path, true, version);
-    const kelm_record_type* type = find_type(type_name);
+    ToolType found{nullptr, 0};
+    const ToolType* type = find_type(type_name, local, found);
     if (type == nullptr)
-        return 1;
+        return found.type == nullptr && found.code != 0
+                   ? run_unknown_code(found.code, path, true, version)
+                   : 1;
     std::vector<unsigned char> bytes;
     std::string error;
     if (!read_input(path, bytes, error))
@@ -250,18 +232,17 @@ int run_encode(const std::string& type_name, const std::string& path, const std:
     if (record.bytes == nullptr)
         return complain("out of memory");
     try {
-        kelmasn_tool::record_from_json(*type, document, record.bytes);
+        kelmasn_tool::record_from_json(*type->type, document, record.bytes);
     } catch (const kelmasn_tool::JsonFieldError& e) {
         return complain(path + ": " + e.what());
     }
     kelm_asn_buffer_t buffer{0, nullptr};
-    const unsigned int status =
-        kelm_asn_record::encode(*type, record.bytes, buffer, version,
-                                local ? KELM_SECURITY_LOCAL_CODESET : KELM_SECURITY_PLAIN);
+    const unsigned int status = encode_record(*type, record.bytes, buffer, version, local);
     if (status != 0)
-        return complain(path + ": cannot encode " + type->record_name + ": " + status_line(status));
+        return complain(path + ": cannot encode " + type->type->record_name + ": " +
+                        status_line(status));
     const bool written = write_output(output, buffer);
-    std::free(buffer.data);
+    kelm_asn_buffer_free(buffer);
     if (!written)
         return complain("cannot write " + output);
     return 0;
