@@ -18,6 +18,7 @@
 #include "kelm_asn_buffer.h"
 #include "kelm_der.h"
 #include "kelm_entry.h"
+#include "kelm_record_holder.h"
 #include "namevalue.h"
 #include "pobj.h"
 #include "principal.h"

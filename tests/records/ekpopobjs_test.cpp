@@ -10,13 +10,13 @@
 #include <gtest/gtest.h>
 
 #include "ekpopobjs_asn.h"
-#include "record_family_test_util.h"
+#include "record_test_support.h"
 #include "test_locale.h"
 
 using kelm_test::buffer_over;
 using kelm_test::Bytes;
 using kelm_test::bytes_of;
-using kelm_test::decode_bytes;
+using kelm_test::decode_record;
 using kelm_test::dup_text;
 using kelm_test::encoded;
 using kelm_test::text_array;
@@ -54,7 +54,7 @@ TEST(TodRange, AQualifierWithItsTopBitSetTravelsAsANegativeIntegerAndComesBack) 
                                  0x00, 0x00, 0x01}));
     ektod_range_s_t back;
     std::memset(&back, 0xEE, sizeof back);
-    ASSERT_EQ(decode_bytes(wire, back), 0u);
+    ASSERT_EQ(decode_record(wire, back), 0u);
     EXPECT_EQ(back.range_qualifier, 0x80000001u);
     EXPECT_EQ(back.range_start, 0);
     EXPECT_EQ(back.range_end, 0);
@@ -80,7 +80,7 @@ TEST(TodRange, ExtremeSignedBoundsRoundTrip) {
         const Bytes wire = encoded(row.range);
         EXPECT_EQ(wire, with_header(row.body));
         ektod_range_s_t back{};
-        ASSERT_EQ(decode_bytes(wire, back), 0u);
+        ASSERT_EQ(decode_record(wire, back), 0u);
         EXPECT_EQ(back.range_start, row.range.range_start);
         EXPECT_EQ(back.range_end, row.range.range_end);
         EXPECT_EQ(back.range_qualifier, row.range.range_qualifier);
@@ -101,7 +101,7 @@ TEST(AccessTimes, DecodingWritesEveryByteOfTheRecordWithoutAClearOfItsOwn) {
     const Bytes wire = encoded(times);
     ekaccess_times_s_t back;
     std::memset(&back, 0xEE, sizeof back);
-    ASSERT_EQ(decode_bytes(wire, back), 0u);
+    ASSERT_EQ(decode_record(wire, back), 0u);
     EXPECT_EQ(std::memcmp(&back, &times, sizeof times), 0)
         << "the first field and the nested range cover the whole record";
 }
@@ -115,7 +115,7 @@ TEST(PopIpauth, ThreeNumbersReadBackUnsigned) {
                                  0x02, 0x04, 0x7F, 0xFF, 0xFF, 0xFF}));
     ekpop_ipauth_s_t back;
     std::memset(&back, 0xEE, sizeof back);
-    ASSERT_EQ(decode_bytes(wire, back), 0u);
+    ASSERT_EQ(decode_record(wire, back), 0u);
     EXPECT_EQ(std::memcmp(&back, &entry, sizeof entry), 0);
 }
 
@@ -138,7 +138,7 @@ TEST(PopIpauth2, AddressesRoundTripAndEveryByteIsWritten) {
     std::memset(entry.second_addr.addr_bytes, 0xAB, sizeof entry.second_addr.addr_bytes);
     ekpop_ipauth2_s_t back;
     std::memset(&back, 0xEE, sizeof back);
-    ASSERT_EQ(decode_bytes(encoded(entry), back), 0u);
+    ASSERT_EQ(decode_record(encoded(entry), back), 0u);
     EXPECT_EQ(std::memcmp(&back, &entry, sizeof entry), 0) << "padding bytes are cleared too";
 }
 
@@ -148,7 +148,7 @@ TEST(PopIpauth2List, AnEmptyListIsASequenceHoldingAnEmptySequence) {
     EXPECT_EQ(wire, with_header({0x30, 0x02, 0x30, 0x00}));
     ekpop_ipauth2_list_s_t back;
     std::memset(&back, 0xEE, sizeof back);
-    ASSERT_EQ(decode_bytes(wire, back), 0u);
+    ASSERT_EQ(decode_record(wire, back), 0u);
     EXPECT_EQ(back.ipauth_count, 0u);
     EXPECT_EQ(back.ipauths, nullptr);
     kelmAsnFreeObj(back);
@@ -162,7 +162,7 @@ TEST(PopIpauth2List, EntriesRoundTrip) {
     list.ipauths[1].second_addr.addr_bytes[15] = 0x99;
     const Bytes wire = encoded(list);
     ekpop_ipauth2_list_s_t back{};
-    ASSERT_EQ(decode_bytes(wire, back), 0u);
+    ASSERT_EQ(decode_record(wire, back), 0u);
     ASSERT_EQ(back.ipauth_count, 2u);
     EXPECT_EQ(std::memcmp(back.ipauths, list.ipauths, 2 * sizeof(ekpop_ipauth2_s_t)), 0);
     kelmAsnFreeObj(back);
@@ -184,7 +184,7 @@ TEST(Pop, APolicyWithoutAddressEntriesHasAnEmptyList) {
                         {{0x30, 0x21}, name, access_times, numbers, no_entries, no_attributes})));
     ekpop_s_t back;
     std::memset(&back, 0xEE, sizeof back);
-    ASSERT_EQ(decode_bytes(wire, back), 0u);
+    ASSERT_EQ(decode_record(wire, back), 0u);
     EXPECT_EQ(back.ipauth_count, 0u);
     EXPECT_EQ(back.ipauths, nullptr);
     EXPECT_STREQ(back.pop_name, "");
@@ -206,7 +206,7 @@ TEST(Pop, EveryFieldRoundTrips) {
     pop.attrs = kelm_test::one_attribute("reason", "audit");
     const Bytes wire = encoded(pop);
     ekpop_s_t back{};
-    ASSERT_EQ(decode_bytes(wire, back), 0u);
+    ASSERT_EQ(decode_record(wire, back), 0u);
     EXPECT_STREQ(back.pop_name, "night shift");
     EXPECT_EQ(std::memcmp(&back.access_times, &pop.access_times, sizeof pop.access_times), 0);
     EXPECT_EQ(back.first_number, 0xFFFFFFFFu);
@@ -235,7 +235,7 @@ TEST(PopMaps, BothMappingsAreANameListAndAttributes) {
     EXPECT_EQ(encoded(to_pobj), expected);
     EXPECT_EQ(encoded(to_pop), expected);
     ekmap_pobj_to_pop_s_t back{};
-    ASSERT_EQ(decode_bytes(expected, back), 0u);
+    ASSERT_EQ(decode_record(expected, back), 0u);
     ASSERT_EQ(back.name_count, 2u);
     EXPECT_STREQ(back.names[0], "/a");
     EXPECT_STREQ(back.names[1], "/b");
@@ -248,7 +248,7 @@ TEST(PopMaps, EmptyMappingsDecodeToNullArrays) {
     Bytes wire = with_header({0x30, 0x06, 0x30, 0x00, 0x30, 0x02, 0x30, 0x00});
     ekmap_pop_to_pobj_s_t back;
     std::memset(&back, 0xEE, sizeof back);
-    ASSERT_EQ(decode_bytes(wire, back), 0u);
+    ASSERT_EQ(decode_record(wire, back), 0u);
     EXPECT_EQ(back.name_count, 0u);
     EXPECT_EQ(back.names, nullptr);
     kelmAsnFreeObj(back);

@@ -8,13 +8,13 @@
 #include <gtest/gtest.h>
 
 #include "eksvr_enc_asn.h"
-#include "record_family_test_util.h"
+#include "record_test_support.h"
 #include "test_locale.h"
 
 using kelm_test::buffer_over;
 using kelm_test::Bytes;
 using kelm_test::bytes_of;
-using kelm_test::decode_bytes;
+using kelm_test::decode_record;
 using kelm_test::dup_text;
 using kelm_test::encoded;
 using kelm_test::text_array;
@@ -51,7 +51,7 @@ TEST(AdminService, TheNameIsFollowedByTheItemList) {
                                  0x02, 'b', 'c'}));
     aznadmsvc_s_t back;
     std::memset(&back, 0xEE, sizeof back);
-    ASSERT_EQ(decode_bytes(wire, back), 0u);
+    ASSERT_EQ(decode_record(wire, back), 0u);
     expect_same_service(back, svc);
     kelmAsnFreeObj(back);
     kelmAsnFreeObj(svc);
@@ -63,7 +63,7 @@ TEST(AdminService, AnEmptyItemListDecodesToACountOfZeroAndNull) {
     EXPECT_EQ(wire, with_header({0x30, 0x04, 0x0C, 0x00, 0x30, 0x00}));
     aznadmsvc_s_t back;
     std::memset(&back, 0xEE, sizeof back);
-    ASSERT_EQ(decode_bytes(wire, back), 0u);
+    ASSERT_EQ(decode_record(wire, back), 0u);
     EXPECT_STREQ(back.svc_name, "");
     EXPECT_EQ(back.svc_item_count, 0u);
     EXPECT_EQ(back.svc_items, nullptr);
@@ -80,7 +80,7 @@ TEST(LocalServer, NoServicesEncodeAnEmptySequenceInTheNinthPlace) {
                                  0x01, 0x00, 0x30, 0x00, 0x30, 0x02, 0x30, 0x00}));
     aznlocal_svr_s_t back;
     std::memset(&back, 0xEE, sizeof back);
-    ASSERT_EQ(decode_bytes(wire, back), 0u);
+    ASSERT_EQ(decode_record(wire, back), 0u);
     EXPECT_EQ(back.svc_count, 0u);
     EXPECT_EQ(back.svcs, nullptr);
     EXPECT_EQ(back.attrs.attr_count, 0u);
@@ -97,7 +97,7 @@ TEST(LocalServer, ANegativeNumberReadsBackAsTheUnsignedValueWithTheSameBits) {
     ASSERT_GT(wire.size(), 17u);
     EXPECT_EQ(Bytes(wire.begin() + 14, wire.begin() + 17), (Bytes{0x02, 0x01, 0xFB}));
     aznlocal_svr_s_t back{};
-    ASSERT_EQ(decode_bytes(wire, back), 0u);
+    ASSERT_EQ(decode_record(wire, back), 0u);
     EXPECT_EQ(back.svr_number1, 0xFFFFFFFBu);
     kelmAsnFreeObj(back);
 }
@@ -109,7 +109,7 @@ TEST(LocalServer, ExtremeNumbersRoundTripInTheirPlaces) {
     svr.svr_number3 = 0xFFFFFFFFu;
     svr.svr_number4 = 0x80u;
     aznlocal_svr_s_t back{};
-    ASSERT_EQ(decode_bytes(encoded(svr), back), 0u);
+    ASSERT_EQ(decode_record(encoded(svr), back), 0u);
     EXPECT_EQ(back.svr_number1, 0x80000000u);
     EXPECT_EQ(back.svr_number2, 0x7FFFFFFFu);
     EXPECT_EQ(back.svr_number3, 0xFFFFFFFFu);
@@ -128,7 +128,7 @@ TEST(LocalServer, TextsServicesAndAttributesRoundTrip) {
     svr.attrs = kelm_test::one_attribute("site", "north");
     const Bytes wire = encoded(svr);
     aznlocal_svr_s_t back{};
-    ASSERT_EQ(decode_bytes(wire, back), 0u);
+    ASSERT_EQ(decode_record(wire, back), 0u);
     EXPECT_STREQ(back.svr_text1, "one");
     EXPECT_STREQ(back.svr_text2, "");
     EXPECT_STREQ(back.svr_text3, "") << "a null text is written empty and read back as \"\"";

@@ -8,9 +8,8 @@
 #include <gtest/gtest.h>
 
 #include "aclidl_asn.h"
-#include "record_test_util.h"
+#include "record_test_support.h"
 #include "test_locale.h"
-#include "typed_record_test_util.h"
 
 using kelm_test::dup_text;
 using kelm_test::with_header;

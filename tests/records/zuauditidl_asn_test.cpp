@@ -14,8 +14,7 @@
 #include <gtest/gtest.h>
 
 #include "asn_test_util.h"
-#include "entry_test_util.h"
-#include "record_test_util.h"
+#include "record_test_support.h"
 #include "test_locale.h"
 #include "zuauditidl_asn.h"
 
@@ -58,21 +57,10 @@ template <class Record> unsigned int decode(const Bytes& wire, Record& record) {
     return kelmAsnDecodeObj(in, record);
 }
 
-// Records the test owns, released with the free entry point.
-struct Event {
-    zuauditevent_s_t record{};
-    ~Event() { kelmAsnFreeObj(record); }
-};
-
-struct Element {
-    zuauditelement_s_t record{};
-    ~Element() { kelmAsnFreeObj(record); }
-};
-
-struct Attribute {
-    zuauditattribute_s_t record{};
-    ~Attribute() { kelmAsnFreeObj(record); }
-};
+// Records the test owns, released with the free entry point when they go.
+using Event = kelm_record_holder<zuauditevent_s_t>;
+using Element = kelm_record_holder<zuauditelement_s_t>;
+using Attribute = kelm_record_holder<zuauditattribute_s_t>;
 
 // Fills `element` (zeroed) with a name, a value and `attrs` attributes.
 void fill_element(zuauditelement_s_t& element, const std::string& name, const Bytes& value,
@@ -133,33 +121,33 @@ unsigned int chain_levels(const zuauditelement_s_t& element) {
 
 TEST(AuditElement, AnElementWithNothingButANameIsItsNameAnEmptyValueAndTwoEmptyLists) {
     Element element;
-    element.record.name = dup_text("ab");
-    const Bytes wire = encode(element.record);
+    element.record().name = dup_text("ab");
+    const Bytes wire = encode(element.record());
     EXPECT_EQ(wire,
               with_header({0x30, 0x0A, 0x0C, 0x02, 'a', 'b', 0x04, 0x00, 0x30, 0x00, 0x30, 0x00}));
     Element back;
-    ASSERT_EQ(decode(wire, back.record), 0u);
-    EXPECT_STREQ(back.record.name, "ab");
-    EXPECT_EQ(back.record.value_length, 0u);
-    EXPECT_EQ(back.record.value, nullptr);
-    EXPECT_EQ(back.record.attr_count, 0u);
-    EXPECT_EQ(back.record.attrs, nullptr);
-    EXPECT_EQ(back.record.element_count, 0u);
-    EXPECT_EQ(back.record.elements, nullptr);
+    ASSERT_EQ(decode(wire, back.record()), 0u);
+    EXPECT_STREQ(back.record().name, "ab");
+    EXPECT_EQ(back.record().value_length, 0u);
+    EXPECT_EQ(back.record().value, nullptr);
+    EXPECT_EQ(back.record().attr_count, 0u);
+    EXPECT_EQ(back.record().attrs, nullptr);
+    EXPECT_EQ(back.record().element_count, 0u);
+    EXPECT_EQ(back.record().elements, nullptr);
 }
 
 TEST(AuditAttribute, NameAndValueAreAUtf8StringAndAnOctetString) {
     Attribute attribute;
-    attribute.record.name = dup_text("u");
-    attribute.record.value_length = 3;
-    attribute.record.value = dup_bytes({0x00, 0xFF, 0x41});
-    const Bytes wire = encode(attribute.record);
+    attribute.record().name = dup_text("u");
+    attribute.record().value_length = 3;
+    attribute.record().value = dup_bytes({0x00, 0xFF, 0x41});
+    const Bytes wire = encode(attribute.record());
     EXPECT_EQ(wire, with_header({0x30, 0x08, 0x0C, 0x01, 'u', 0x04, 0x03, 0x00, 0xFF, 0x41}));
     Attribute back;
-    ASSERT_EQ(decode(wire, back.record), 0u);
-    EXPECT_STREQ(back.record.name, "u");
-    ASSERT_EQ(back.record.value_length, 3u);
-    EXPECT_EQ(Bytes(back.record.value, back.record.value + 3), (Bytes{0x00, 0xFF, 0x41}));
+    ASSERT_EQ(decode(wire, back.record()), 0u);
+    EXPECT_STREQ(back.record().name, "u");
+    ASSERT_EQ(back.record().value_length, 3u);
+    EXPECT_EQ(Bytes(back.record().value, back.record().value + 3), (Bytes{0x00, 0xFF, 0x41}));
 }
 
 TEST(AuditAttribute, ConstructedAndIndefiniteValuesAreAccepted) {
@@ -168,18 +156,18 @@ TEST(AuditAttribute, ConstructedAndIndefiniteValuesAreAccepted) {
         with_header({0x30, 0x80, 0x2C, 0x06, 0x0C, 0x01, 'n', 0x0C, 0x01, 'm',  0x24,
                      0x80, 0x04, 0x01, 'A',  0x04, 0x01, 'B', 0x00, 0x00, 0x00, 0x00});
     Attribute back;
-    ASSERT_EQ(decode(wire, back.record), 0u);
-    EXPECT_STREQ(back.record.name, "nm");
-    ASSERT_EQ(back.record.value_length, 2u);
-    EXPECT_EQ(Bytes(back.record.value, back.record.value + 2), (Bytes{'A', 'B'}));
+    ASSERT_EQ(decode(wire, back.record()), 0u);
+    EXPECT_STREQ(back.record().name, "nm");
+    ASSERT_EQ(back.record().value_length, 2u);
+    EXPECT_EQ(Bytes(back.record().value, back.record().value + 2), (Bytes{'A', 'B'}));
 }
 
 TEST(AuditEvent, AnEventWithoutElementsDecodesToAZeroCountAndANullArray) {
     Event event;
-    event.record.event_number1 = 1;
-    event.record.event_number2 = 2;
-    event.record.event_text = dup_text("t");
-    const Bytes wire = encode(event.record);
+    event.record().event_number1 = 1;
+    event.record().event_number2 = 2;
+    event.record().event_text = dup_text("t");
+    const Bytes wire = encode(event.record());
     EXPECT_EQ(wire, with_header({0x30, 0x0B, 0x02, 0x01, 0x01, 0x0C, 0x01, 't', 0x02, 0x01, 0x02,
                                  0x30, 0x00}));
     zuauditevent_s_t back;
@@ -208,15 +196,15 @@ TEST(AuditEvent, NumbersAreWrittenSignedAndReadBackWithTheirBitPatterns) {
     for (const Row& row : rows) {
         SCOPED_TRACE(::testing::Message() << std::hex << row.value);
         Event event;
-        event.record.event_number1 = row.value;
-        event.record.event_number2 = row.value;
-        const Bytes wire = encode(event.record);
+        event.record().event_number1 = row.value;
+        event.record().event_number2 = row.value;
+        const Bytes wire = encode(event.record());
         EXPECT_EQ(wire, with_header(tlv(
                             0x30, concat({row.integer, {0x0C, 0x00}, row.integer, {0x30, 0x00}}))));
         Event back;
-        ASSERT_EQ(decode(wire, back.record), 0u);
-        EXPECT_EQ(back.record.event_number1, row.value);
-        EXPECT_EQ(back.record.event_number2, row.value);
+        ASSERT_EQ(decode(wire, back.record()), 0u);
+        EXPECT_EQ(back.record().event_number1, row.value);
+        EXPECT_EQ(back.record().event_number2, row.value);
     }
 }
 
@@ -225,29 +213,29 @@ TEST(AuditEvent, AnIndefiniteOrConstructedNumberIsRefused) {
     const Bytes constructed = with_header(
         {0x30, 0x0B, 0x22, 0x03, 0x02, 0x01, 0x01, 0x0C, 0x00, 0x02, 0x01, 0x02, 0x30, 0x00});
     Event back;
-    EXPECT_NE(decode(constructed, back.record), 0u);
+    EXPECT_NE(decode(constructed, back.record()), 0u);
 }
 
 // --- nesting ---------------------------------------------------------------------------------
 
 TEST(AuditNesting, ElementsNestedInElementsDecodeIntoTheirOwnArrays) {
     Event event;
-    event.record.event_text = dup_text("event");
-    event.record.element_count = 2;
-    event.record.elements =
+    event.record().event_text = dup_text("event");
+    event.record().element_count = 2;
+    event.record().elements =
         static_cast<zuauditelement_s_t*>(std::calloc(2, sizeof(zuauditelement_s_t)));
-    fill_element(event.record.elements[0], "first", {1, 2, 3}, 2);
-    fill_element(event.record.elements[1], "second", {}, 0);
-    zuauditelement_s_t* children = add_children(event.record.elements[0], 3);
+    fill_element(event.record().elements[0], "first", {1, 2, 3}, 2);
+    fill_element(event.record().elements[1], "second", {}, 0);
+    zuauditelement_s_t* children = add_children(event.record().elements[0], 3);
     fill_element(children[0], "child0", {9}, 1);
     fill_element(children[1], "child1", {}, 0);
     fill_chain(children[2], 4);
 
-    const Bytes wire = encode(event.record);
+    const Bytes wire = encode(event.record());
     Event back;
-    ASSERT_EQ(decode(wire, back.record), 0u);
-    ASSERT_EQ(back.record.element_count, 2u);
-    const zuauditelement_s_t& first = back.record.elements[0];
+    ASSERT_EQ(decode(wire, back.record()), 0u);
+    ASSERT_EQ(back.record().element_count, 2u);
+    const zuauditelement_s_t& first = back.record().elements[0];
     EXPECT_STREQ(first.name, "first");
     ASSERT_EQ(first.value_length, 3u);
     ASSERT_EQ(first.attr_count, 2u);
@@ -258,9 +246,9 @@ TEST(AuditNesting, ElementsNestedInElementsDecodeIntoTheirOwnArrays) {
     EXPECT_STREQ(first.elements[1].name, "child1");
     EXPECT_EQ(first.elements[1].elements, nullptr);
     EXPECT_EQ(chain_levels(first.elements[2]), 4u);
-    EXPECT_STREQ(back.record.elements[1].name, "second");
-    EXPECT_EQ(back.record.elements[1].element_count, 0u);
-    EXPECT_EQ(encode(back.record), wire) << "decoding then encoding gives the same bytes";
+    EXPECT_STREQ(back.record().elements[1].name, "second");
+    EXPECT_EQ(back.record().elements[1].element_count, 0u);
+    EXPECT_EQ(encode(back.record()), wire) << "decoding then encoding gives the same bytes";
     // Event and back are released by the free entry point at every level; the leak checker of
     // the sanitizer build sees anything left.
 }
@@ -451,19 +439,19 @@ TEST(AuditNesting, AHundredThousandLevelsAreRefusedOnASmallStack) {
 
 TEST(AuditNesting, ARecordAFewLevelsDeepRoundTripsOnASmallStack) {
     Event event;
-    event.record.element_count = 1;
-    event.record.elements =
+    event.record().element_count = 1;
+    event.record().elements =
         static_cast<zuauditelement_s_t*>(std::calloc(1, sizeof(zuauditelement_s_t)));
-    fill_chain(event.record.elements[0], 6);
+    fill_chain(event.record().elements[0], 6);
     Job job;
-    job.input = encode(event.record);
+    job.input = encode(event.record());
     const Job done = run_on_small_stack(job.input, true);
     EXPECT_EQ(done.status, 0u);
     EXPECT_EQ(done.levels_read, 6u);
     Event back;
-    ASSERT_EQ(decode(job.input, back.record), 0u);
-    ASSERT_EQ(back.record.element_count, 1u);
-    EXPECT_EQ(chain_levels(back.record.elements[0]), 6u);
+    ASSERT_EQ(decode(job.input, back.record()), 0u);
+    ASSERT_EQ(back.record().element_count, 1u);
+    EXPECT_EQ(chain_levels(back.record().elements[0]), 6u);
 }
 
 // --- names -----------------------------------------------------------------------------------
@@ -485,13 +473,13 @@ TEST(AuditLocalCodeSet, Latin1TextsTravelAsUtf8AndBytesPassUnchanged) {
     kelm_test::ScopedThreadLocale latin1(kelm_test::latin1_locale_name());
     ASSERT_TRUE(latin1.active()) << latin1.problem();
     Event event;
-    event.record.event_text = dup_text("\xC9v\xE9nement");
-    event.record.element_count = 1;
-    event.record.elements =
+    event.record().event_text = dup_text("\xC9v\xE9nement");
+    event.record().element_count = 1;
+    event.record().elements =
         static_cast<zuauditelement_s_t*>(std::calloc(1, sizeof(zuauditelement_s_t)));
-    fill_element(event.record.elements[0], "\xFC", {0xE9}, 0);
+    fill_element(event.record().elements[0], "\xFC", {0xE9}, 0);
     kelm_asn_buffer_t out{0, nullptr};
-    ASSERT_EQ(kelmAsnEncodeObjLCS(out, event.record), 0u);
+    ASSERT_EQ(kelmAsnEncodeObjLCS(out, event.record()), 0u);
     const Bytes element =
         tlv(0x30, concat({{0x0C, 0x02, 0xC3, 0xBC}, {0x04, 0x01, 0xE9}, {0x30, 0x00, 0x30, 0x00}}));
     EXPECT_EQ(bytes_of(out), with_header(tlv(0x30, concat({{0x02, 0x01, 0x00},
@@ -500,12 +488,12 @@ TEST(AuditLocalCodeSet, Latin1TextsTravelAsUtf8AndBytesPassUnchanged) {
                                                            {0x02, 0x01, 0x00},
                                                            tlv(0x30, element)}))));
     Event back;
-    ASSERT_EQ(kelmAsnDecodeObjLCS(out, back.record), 0u);
-    EXPECT_STREQ(back.record.event_text, "\xC9v\xE9nement");
-    ASSERT_EQ(back.record.element_count, 1u);
-    EXPECT_STREQ(back.record.elements[0].name, "\xFC");
-    ASSERT_EQ(back.record.elements[0].value_length, 1u);
-    EXPECT_EQ(back.record.elements[0].value[0], 0xE9) << "byte values are not converted";
+    ASSERT_EQ(kelmAsnDecodeObjLCS(out, back.record()), 0u);
+    EXPECT_STREQ(back.record().event_text, "\xC9v\xE9nement");
+    ASSERT_EQ(back.record().element_count, 1u);
+    EXPECT_STREQ(back.record().elements[0].name, "\xFC");
+    ASSERT_EQ(back.record().elements[0].value_length, 1u);
+    EXPECT_EQ(back.record().elements[0].value[0], 0xE9) << "byte values are not converted";
     kelm_asn_buffer_free(out);
 }
 
@@ -513,11 +501,11 @@ TEST(AuditLocalCodeSet, Latin1TextsTravelAsUtf8AndBytesPassUnchanged) {
 
 TEST(AuditFailure, AListEntryThatCannotBeAddedIsReportedAsTheModulesMemoryError) {
     Event event;
-    event.record.element_count = 2;
-    event.record.elements =
+    event.record().element_count = 2;
+    event.record().elements =
         static_cast<zuauditelement_s_t*>(std::calloc(2, sizeof(zuauditelement_s_t)));
-    fill_element(event.record.elements[0], "a", {1}, 2);
-    fill_chain(event.record.elements[1], 3);
+    fill_element(event.record().elements[0], "a", {1}, 2);
+    fill_chain(event.record().elements[1], 3);
     const std::string event_line =
         kelm_test::exception_line("ASN: Memory error", 0x10652065, "base_idls/zuauditidl_asn.cpp",
                                   kelm_zuauditevent_type.source_line);
@@ -529,7 +517,7 @@ TEST(AuditFailure, AListEntryThatCannotBeAddedIsReportedAsTheModulesMemoryError)
     const unsigned long total = kelm_test::each_allocation_failure(
         [&] {
             out = kelm_asn_buffer_t{0, nullptr};
-            return kelmAsnEncodeObj(out, event.record);
+            return kelmAsnEncodeObj(out, event.record());
         },
         [&](unsigned int status, const std::string& err, bool failed) {
             if (failed) {
@@ -550,13 +538,13 @@ TEST(AuditFailure, AListEntryThatCannotBeAddedIsReportedAsTheModulesMemoryError)
 
 TEST(AuditFailure, EveryAllocationOfADecodeFailsAndThePartialEventFreesCleanly) {
     Event event;
-    event.record.event_text = dup_text("e");
-    event.record.element_count = 2;
-    event.record.elements =
+    event.record().event_text = dup_text("e");
+    event.record().element_count = 2;
+    event.record().elements =
         static_cast<zuauditelement_s_t*>(std::calloc(2, sizeof(zuauditelement_s_t)));
-    fill_element(event.record.elements[0], "a", {1}, 2);
-    fill_chain(event.record.elements[1], 3);
-    const Bytes wire = encode(event.record);
+    fill_element(event.record().elements[0], "a", {1}, 2);
+    fill_chain(event.record().elements[1], 3);
+    const Bytes wire = encode(event.record());
     kelm_asn_buffer_t in{wire.size(), const_cast<unsigned char*>(wire.data())};
     const std::string element_line =
         kelm_test::exception_line("ASN: Memory error", 0x10652065, "base_idls/zuauditidl_asn.cpp",
@@ -586,14 +574,14 @@ TEST(AuditFailure, EveryAllocationOfADecodeFailsAndThePartialEventFreesCleanly) 
 
 TEST(AuditFailure, EveryTruncationOfANestedEventGivesAStatusAndFreesCleanly) {
     Event event;
-    event.record.element_count = 1;
-    event.record.elements =
+    event.record().element_count = 1;
+    event.record().elements =
         static_cast<zuauditelement_s_t*>(std::calloc(1, sizeof(zuauditelement_s_t)));
-    fill_chain(event.record.elements[0], 3);
-    const Bytes wire = encode(event.record);
+    fill_chain(event.record().elements[0], 3);
+    const Bytes wire = encode(event.record());
     for (size_t n = 0; n < wire.size(); ++n) {
         SCOPED_TRACE(::testing::Message() << "cut to " << n << " bytes");
         Event back;
-        EXPECT_NE(decode(Bytes(wire.begin(), wire.begin() + n), back.record), 0u);
+        EXPECT_NE(decode(Bytes(wire.begin(), wire.begin() + n), back.record()), 0u);
     }
 }

@@ -8,9 +8,9 @@
 
 #include <gtest/gtest.h>
 
-#include "record_registry.h"
 #include "kelm/kelmasn.h"
-#include "record_family_test_util.h"
+#include "record_registry.h"
+#include "record_test_support.h"
 
 namespace {
 

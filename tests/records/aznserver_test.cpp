@@ -8,12 +8,12 @@
 #include <gtest/gtest.h>
 
 #include "aznserver_asn.h"
-#include "record_family_test_util.h"
+#include "record_test_support.h"
 #include "test_locale.h"
 
 using kelm_test::Bytes;
 using kelm_test::bytes_of;
-using kelm_test::decode_bytes;
+using kelm_test::decode_record;
 using kelm_test::dup_text;
 using kelm_test::encoded;
 using kelm_test::with_header;

@@ -7,8 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "entry_test_util.h"
-#include "record_test_util.h"
+#include "record_test_support.h"
 #include "type_code_guard_internal.h"
 
 using kelm_test::bytes_of;

@@ -16,8 +16,7 @@
 
 #include "asn_ekobjs.h"
 #include "asn_test_util.h"
-#include "entry_test_util.h"
-#include "record_test_util.h"
+#include "record_test_support.h"
 
 using kelm_test::bytes_of;
 using kelm_test::dup_text;

@@ -59,8 +59,8 @@ TEST(IndependentParse, OpensslReadsTheWholeBodyOfEveryRecordTypesExample) {
         const std::string buffer = temp_path(record + ".buffer");
         const std::string body = temp_path(record + ".der");
         ASSERT_EQ(run(std::string("ASAN_OPTIONS=${ASAN_OPTIONS:+$ASAN_OPTIONS:}exitcode=86 '") +
-                          KELMASN_TOOL + "' encode " + record + " '" + KELMASN_EXAMPLES +
-                          "/json/" + record + ".json' -o '" + buffer + "'",
+                          KELMASN_TOOL + "' encode " + record + " '" + KELMASN_EXAMPLES + "/json/" +
+                          record + ".json' -o '" + buffer + "'",
                       output),
                   0)
             << output;

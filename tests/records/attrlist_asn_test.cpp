@@ -9,7 +9,7 @@
 
 #include "alloc_failure.h"
 #include "kelm/kelmasn.h"
-#include "record_test_util.h"
+#include "record_test_support.h"
 #include "test_locale.h"
 
 using kelm_test::bytes_of;

@@ -9,13 +9,13 @@
 #include <gtest/gtest.h>
 
 #include "ekobj_asn.h"
-#include "record_family_test_util.h"
+#include "record_test_support.h"
 #include "test_locale.h"
 
 using kelm_test::buffer_over;
 using kelm_test::Bytes;
 using kelm_test::bytes_of;
-using kelm_test::decode_bytes;
+using kelm_test::decode_record;
 using kelm_test::dup_text;
 using kelm_test::encoded;
 using kelm_test::text_array;
@@ -67,7 +67,7 @@ TEST(IpAddr, ArraysRoundTripByteForByteAndPaddingIsCleared) {
               (Bytes{0x02, 0x04, 0x80, 0x00, 0x00, 0x00}));
     ip_addr_s_t back;
     std::memset(&back, 0xEE, sizeof back);
-    ASSERT_EQ(decode_bytes(wire, back), 0u);
+    ASSERT_EQ(decode_record(wire, back), 0u);
     EXPECT_EQ(std::memcmp(&back, &addr, sizeof addr), 0) << "the two bytes after the arrays too";
 }
 
@@ -81,7 +81,7 @@ TEST(IpAddr, LongerContentIsCutToTheArraySize) {
         concat({{0x02, 0x01, 0x07, 0x04, 0x32}, string_content, {0x04, 0x14}, bytes_content});
     Bytes sequence = {0x30, static_cast<unsigned char>(body.size())};
     ip_addr_s_t back{};
-    ASSERT_EQ(decode_bytes(with_header(concat({sequence, body})), back), 0u);
+    ASSERT_EQ(decode_record(with_header(concat({sequence, body})), back), 0u);
     EXPECT_EQ(back.addr_type, 7u);
     EXPECT_EQ(std::memcmp(back.addr_string, string_content.data(), 46), 0);
     EXPECT_EQ(std::memcmp(back.addr_bytes, bytes_content.data(), 16), 0);
@@ -93,7 +93,7 @@ TEST(IpAddr, ShorterContentIsAcceptedAndTheRestOfTheArrayIsZero) {
         with_header({0x30, 0x0A, 0x02, 0x01, 0x04, 0x04, 0x03, '1', '.', '2', 0x04, 0x00});
     ip_addr_s_t back;
     std::memset(&back, 0xEE, sizeof back);
-    ASSERT_EQ(decode_bytes(input, back), 0u);
+    ASSERT_EQ(decode_record(input, back), 0u);
     EXPECT_EQ(back.addr_type, 4u);
     EXPECT_EQ(Bytes(back.addr_string, back.addr_string + 46), concat({{'1', '.', '2'}, zeros(43)}));
     EXPECT_EQ(Bytes(back.addr_bytes, back.addr_bytes + 16), zeros(16));
@@ -119,7 +119,7 @@ TEST(IpAddr, ExtremeAddressTypesKeepTheirBitPatterns) {
         ASSERT_GT(wire.size(), 6 + row.integer.size());
         EXPECT_EQ(Bytes(wire.begin() + 6, wire.begin() + 6 + row.integer.size()), row.integer);
         ip_addr_s_t back{};
-        ASSERT_EQ(decode_bytes(wire, back), 0u);
+        ASSERT_EQ(decode_record(wire, back), 0u);
         EXPECT_EQ(back.addr_type, row.value);
     }
 }
@@ -132,7 +132,7 @@ TEST(Ekobj, ElementsAreTheNameTwoNumbersAndThePayload) {
     EXPECT_EQ(encoded(obj), with_header({0x30, 0x0E, 0x0C, 0x02, 'a', 'b', 0x02, 0x01, 0x01, 0x02,
                                          0x01, 0xFF, 0x04, 0x02, 0xDE, 0xAD}));
     ekobj_t back{};
-    ASSERT_EQ(decode_bytes(encoded(obj), back), 0u);
+    ASSERT_EQ(decode_record(encoded(obj), back), 0u);
     EXPECT_STREQ(back.name, "ab");
     EXPECT_EQ(back.first_number, 1u);
     EXPECT_EQ(back.second_number, 0xFFFFFFFFu);
@@ -150,7 +150,7 @@ TEST(Ekobj, ANullNameAndNoPayloadStillWriteEveryElement) {
                         {0x30, 0x0A, 0x0C, 0x00, 0x02, 0x01, 0x00, 0x02, 0x01, 0x00, 0x04, 0x00}));
     ekobj_t back;
     std::memset(&back, 0xEE, sizeof back);
-    ASSERT_EQ(decode_bytes(wire, back), 0u);
+    ASSERT_EQ(decode_record(wire, back), 0u);
     ASSERT_NE(back.name, nullptr);
     EXPECT_STREQ(back.name, "") << "a zero-length name decodes to the empty string";
     EXPECT_EQ(back.data_length, 0u);
@@ -166,7 +166,7 @@ TEST(Ekobj, ExtremeNumbersRoundTrip) {
             SCOPED_TRACE(::testing::Message() << std::hex << first << " " << second);
             ekobj_t obj{nullptr, first, second, 0, nullptr};
             ekobj_t back{};
-            ASSERT_EQ(decode_bytes(encoded(obj), back), 0u);
+            ASSERT_EQ(decode_record(encoded(obj), back), 0u);
             EXPECT_EQ(back.first_number, first);
             EXPECT_EQ(back.second_number, second);
             kelmAsnFreeObj(back);
@@ -182,7 +182,7 @@ TEST(EkobjList, EmptyListsEncodeAsEmptySequencesAndDecodeToNull) {
     EXPECT_EQ(wire, with_header({0x30, 0x06, 0x30, 0x00, 0x30, 0x02, 0x30, 0x00}));
     ekobj_list_s_t back;
     std::memset(&back, 0xEE, sizeof back);
-    ASSERT_EQ(decode_bytes(wire, back), 0u);
+    ASSERT_EQ(decode_record(wire, back), 0u);
     EXPECT_EQ(back.obj_count, 0u);
     EXPECT_EQ(back.objs, nullptr);
     EXPECT_EQ(back.attrs.attr_count, 0u);
@@ -206,7 +206,7 @@ TEST(EkobjList, ObjectsAndAttributesRoundTrip) {
     list.attrs = kelm_test::one_attribute("owner", "ops");
     const Bytes wire = encoded(list);
     ekobj_list_s_t back{};
-    ASSERT_EQ(decode_bytes(wire, back), 0u);
+    ASSERT_EQ(decode_record(wire, back), 0u);
     ASSERT_EQ(back.obj_count, 3u);
     for (unsigned int i = 0; i < 3; ++i) {
         SCOPED_TRACE(::testing::Message() << "object " << i);
@@ -231,7 +231,7 @@ TEST(EkobjNameList, AnEmptyListEncodesAsAnEmptySequenceAndDecodesToNull) {
     EXPECT_EQ(wire, with_header({0x30, 0x06, 0x30, 0x00, 0x30, 0x02, 0x30, 0x00}));
     ekobj_name_list_s_t back;
     std::memset(&back, 0xEE, sizeof back);
-    ASSERT_EQ(decode_bytes(wire, back), 0u);
+    ASSERT_EQ(decode_record(wire, back), 0u);
     EXPECT_EQ(back.name_count, 0u);
     EXPECT_EQ(back.names, nullptr);
     EXPECT_EQ(back.attrs.attrs, nullptr);
@@ -248,7 +248,7 @@ TEST(EkobjNameList, ANullEntryIsWrittenAsAnEmptyTextAndReadBackAsAFreshString) {
     EXPECT_EQ(wire, with_header({0x30, 0x0D, 0x30, 0x07, 0x0C, 0x01, 'a', 0x0C, 0x00, 0x0C, 0x00,
                                  0x30, 0x02, 0x30, 0x00}));
     ekobj_name_list_s_t back{};
-    ASSERT_EQ(decode_bytes(wire, back), 0u);
+    ASSERT_EQ(decode_record(wire, back), 0u);
     ASSERT_EQ(back.name_count, 3u);
     EXPECT_EQ(names_of(back.names, 3), (std::vector<std::string>{"a", "", ""}));
     EXPECT_NE(back.names[1], back.names[2]) << "every entry is its own allocation";
@@ -266,7 +266,7 @@ TEST(EkobjDbHeader, TheNumberPrecedesTheNamesAndTheAttributes) {
                                  0x02, 0x30, 0x00}));
     ekobj_db_header_s_t back;
     std::memset(&back, 0xEE, sizeof back);
-    ASSERT_EQ(decode_bytes(wire, back), 0u);
+    ASSERT_EQ(decode_record(wire, back), 0u);
     EXPECT_EQ(back.db_number, 0xFFFFFFFFu);
     ASSERT_EQ(back.name_count, 1u);
     EXPECT_STREQ(back.names[0], "x");

@@ -9,9 +9,8 @@
 
 #include "asn_test_util.h"
 #include "namevalue_asn.h"
-#include "record_test_util.h"
+#include "record_test_support.h"
 #include "test_locale.h"
-#include "typed_record_test_util.h"
 
 using kelm_test::dup_text;
 using kelm_test::with_header;

@@ -9,13 +9,13 @@
 #include <gtest/gtest.h>
 
 #include "pobj_asn.h"
-#include "record_family_test_util.h"
+#include "record_test_support.h"
 #include "test_locale.h"
 
 using kelm_test::buffer_over;
 using kelm_test::Bytes;
 using kelm_test::bytes_of;
-using kelm_test::decode_bytes;
+using kelm_test::decode_record;
 using kelm_test::dup_text;
 using kelm_test::encoded;
 using kelm_test::text_array;
@@ -30,7 +30,7 @@ TEST(Pobj, AnEmptyAttributeListIsWrittenAsASequenceHoldingAnEmptySequence) {
                                  'a', 0x30, 0x02, 0x30, 0x00}));
     pobj_s_t back;
     std::memset(&back, 0xEE, sizeof back);
-    ASSERT_EQ(decode_bytes(wire, back), 0u);
+    ASSERT_EQ(decode_record(wire, back), 0u);
     EXPECT_EQ(back.first_number, 1u);
     EXPECT_EQ(back.second_number, 2u);
     EXPECT_STREQ(back.name, "/a");
@@ -47,7 +47,7 @@ TEST(Pobj, ExtremeNumbersAndAttributesRoundTrip) {
         pobj_s_t pobj{first, ~first, dup_text("/x/y"), kelm_test::one_attribute("k", "v")};
         const Bytes wire = encoded(pobj);
         pobj_s_t back{};
-        ASSERT_EQ(decode_bytes(wire, back), 0u);
+        ASSERT_EQ(decode_record(wire, back), 0u);
         EXPECT_EQ(back.first_number, first);
         EXPECT_EQ(back.second_number, ~first);
         EXPECT_STREQ(back.name, "/x/y");
@@ -70,7 +70,7 @@ TEST(InternalPobj, TheWholeProtectedObjectIsOneNestedSequence) {
                                  0x0C, 0x00, 0x30, 0x02, 0x30, 0x00, 0x0C, 0x02, 'i',  'n'}));
     azn_internal_pobj_s_t back;
     std::memset(&back, 0xEE, sizeof back);
-    ASSERT_EQ(decode_bytes(wire, back), 0u);
+    ASSERT_EQ(decode_record(wire, back), 0u);
     EXPECT_EQ(back.pobj.first_number, 0xFFFFFFFFu);
     EXPECT_EQ(back.pobj.second_number, 0u);
     EXPECT_STREQ(back.pobj.name, "");
@@ -87,7 +87,7 @@ TEST(InternalPobj, TheNestedObjectsAttributesAndTextsRoundTrip) {
     internal.internal_name = dup_text("space:0001");
     const Bytes wire = encoded(internal);
     azn_internal_pobj_s_t back{};
-    ASSERT_EQ(decode_bytes(wire, back), 0u);
+    ASSERT_EQ(decode_record(wire, back), 0u);
     EXPECT_EQ(back.pobj.first_number, 0x80000000u);
     EXPECT_EQ(back.pobj.second_number, 0x7FFFFFFFu);
     EXPECT_EQ(std::string(back.pobj.name), std::string(200, 'p'));
@@ -107,7 +107,7 @@ TEST(PobjSpace, AnEmptySpaceIsTwoEmptyLists) {
     EXPECT_EQ(wire, with_header({0x30, 0x06, 0x30, 0x00, 0x30, 0x02, 0x30, 0x00}));
     pobjspace_s_t back;
     std::memset(&back, 0xEE, sizeof back);
-    ASSERT_EQ(decode_bytes(wire, back), 0u);
+    ASSERT_EQ(decode_record(wire, back), 0u);
     EXPECT_EQ(back.name_count, 0u);
     EXPECT_EQ(back.names, nullptr);
     kelmAsnFreeObj(back);
@@ -123,7 +123,7 @@ TEST(PobjSpace, NamesRoundTripEachInItsOwnAllocation) {
               (Bytes{0x30, 0x27, 0x30, 0x10, 0x0C, 0x04, '/', 'o', 'n', 'e', 0x0C, 0x00, 0x0C, 0x06,
                      '/', 't'}));
     pobjspace_s_t back{};
-    ASSERT_EQ(decode_bytes(wire, back), 0u);
+    ASSERT_EQ(decode_record(wire, back), 0u);
     ASSERT_EQ(back.name_count, 3u);
     EXPECT_STREQ(back.names[0], "/one");
     EXPECT_STREQ(back.names[1], "");

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "asnbase.h"
-#include "support/converter_run.h"
+#include "converter_run.h"
 
 using namespace codeset_test;
 
