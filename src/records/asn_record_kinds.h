@@ -83,100 +83,43 @@ struct scalar_kind {
     static void release(const kelm_record_field&, void*) {}
 };
 
-struct integer_element {
+// An integer member of type Member: INTEGER on the wire, written from its value read as Written
+// and read back through the element's get_value into a Read.
+//   int32_t   written and read as int: INTEGER
+//   uint32_t  written through its signed view (int32_t), read back with its bits unchanged
+//   uint16_t  written as is, read back cut to 16 bits
+//   uint8_t   written as is, read back cut to 8 bits
+template <class Member, class Written, class Read> struct integer_kind_of : scalar_kind {
     static size_t element_size(const kelm_record_field&) { return sizeof(kelmasn_integer); }
     static kelm_asn_object* create(const kelm_record_field&, void* where) {
         return new (where) kelmasn_integer(KELM_SECURITY_PLAIN);
     }
-};
-
-// int32_t: INTEGER.
-struct integer_kind : scalar_kind, integer_element {
     static unsigned int to_element(const kelm_record_field& f, const void* record,
                                    kelm_asn_object* element, const copy_context&) {
-        static_cast<kelmasn_integer*>(element)->set_value(load<int32_t>(record, f.offset));
+        static_cast<kelmasn_integer*>(element)->set_value(load<Written>(record, f.offset));
         return KELM_ASN_OK;
     }
     static unsigned int from_element(const kelm_record_field& f, const kelm_asn_object* element,
                                      void* record, const copy_context&) {
-        int value = 0;
+        Read value = 0;
         static_cast<const kelmasn_integer*>(element)->get_value(value);
-        store<int32_t>(record, f.offset, value);
+        store<Member>(record, f.offset, static_cast<Member>(value));
         return KELM_ASN_OK;
     }
     template <class Out> static void write(Out& out, const kelm_record_field& f, const void* r) {
-        out.integer(load<int32_t>(r, f.offset));
+        out.integer(load<Member>(r, f.offset));
     }
     template <class In> static void read(In& in, const kelm_record_field& f, void* r) {
-        store<int32_t>(r, f.offset, static_cast<int32_t>(in.integer(INT32_MIN, INT32_MAX)));
+        store<Member>(r, f.offset,
+                      static_cast<Member>(in.integer(std::numeric_limits<Member>::min(),
+                                                     std::numeric_limits<Member>::max())));
     }
 };
 
-// uint32_t: written through its signed view, read back with its bits unchanged.
-struct unsigned_integer_kind : scalar_kind, integer_element {
-    static unsigned int to_element(const kelm_record_field& f, const void* record,
-                                   kelm_asn_object* element, const copy_context&) {
-        static_cast<kelmasn_integer*>(element)->set_value(load<int32_t>(record, f.offset));
-        return KELM_ASN_OK;
-    }
-    static unsigned int from_element(const kelm_record_field& f, const kelm_asn_object* element,
-                                     void* record, const copy_context&) {
-        unsigned int value = 0;
-        static_cast<const kelmasn_integer*>(element)->get_value(value);
-        store<uint32_t>(record, f.offset, value);
-        return KELM_ASN_OK;
-    }
-    template <class Out> static void write(Out& out, const kelm_record_field& f, const void* r) {
-        out.integer(load<uint32_t>(r, f.offset));
-    }
-    template <class In> static void read(In& in, const kelm_record_field& f, void* r) {
-        store<uint32_t>(r, f.offset, static_cast<uint32_t>(in.integer(0, UINT32_MAX)));
-    }
-};
-
-// uint16_t: INTEGER, read back cut to 16 bits.
-struct unsigned16_kind : scalar_kind, integer_element {
-    static unsigned int to_element(const kelm_record_field& f, const void* record,
-                                   kelm_asn_object* element, const copy_context&) {
-        static_cast<kelmasn_integer*>(element)->set_value(load<uint16_t>(record, f.offset));
-        return KELM_ASN_OK;
-    }
-    static unsigned int from_element(const kelm_record_field& f, const kelm_asn_object* element,
-                                     void* record, const copy_context&) {
-        unsigned short value = 0;
-        static_cast<const kelmasn_integer*>(element)->get_value(value);
-        store<uint16_t>(record, f.offset, value);
-        return KELM_ASN_OK;
-    }
-    template <class Out> static void write(Out& out, const kelm_record_field& f, const void* r) {
-        out.integer(load<uint16_t>(r, f.offset));
-    }
-    template <class In> static void read(In& in, const kelm_record_field& f, void* r) {
-        store<uint16_t>(r, f.offset, static_cast<uint16_t>(in.integer(0, UINT16_MAX)));
-    }
-};
-
-// uint8_t: INTEGER, read back cut to 8 bits.
-struct unsigned8_kind : scalar_kind, integer_element {
-    static unsigned int to_element(const kelm_record_field& f, const void* record,
-                                   kelm_asn_object* element, const copy_context&) {
-        static_cast<kelmasn_integer*>(element)->set_value(load<uint8_t>(record, f.offset));
-        return KELM_ASN_OK;
-    }
-    static unsigned int from_element(const kelm_record_field& f, const kelm_asn_object* element,
-                                     void* record, const copy_context&) {
-        unsigned char value = 0;
-        static_cast<const kelmasn_integer*>(element)->get_value(value);
-        store<uint8_t>(record, f.offset, value);
-        return KELM_ASN_OK;
-    }
-    template <class Out> static void write(Out& out, const kelm_record_field& f, const void* r) {
-        out.integer(load<uint8_t>(r, f.offset));
-    }
-    template <class In> static void read(In& in, const kelm_record_field& f, void* r) {
-        store<uint8_t>(r, f.offset, static_cast<uint8_t>(in.integer(0, UINT8_MAX)));
-    }
-};
+using integer_kind = integer_kind_of<int32_t, int32_t, int>;
+using unsigned_integer_kind = integer_kind_of<uint32_t, int32_t, unsigned int>;
+using unsigned16_kind = integer_kind_of<uint16_t, uint16_t, unsigned short>;
+using unsigned8_kind = integer_kind_of<uint8_t, uint8_t, unsigned char>;
 
 // --- texts and bytes ---------------------------------------------------------------------------
 
