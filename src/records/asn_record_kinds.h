@@ -263,6 +263,25 @@ inline void release_owned_record(const kelm_record_type& type, void* record) {
     }
 }
 
+// The record reached through the pointer at `slot`, for a writer: absent when null.
+template <class Out>
+void write_pointed_record(Out& out, const kelm_record_type& type, const void* slot) {
+    const void* nested = load<const void*>(slot, 0);
+    if (nested != nullptr)
+        write_record(out, type, nested);
+    else
+        out.absent();
+}
+
+// A record in a block of its own stored at `slot`, when the reader has one there.
+template <class In> void read_pointed_record(In& in, const kelm_record_type& type, void* slot) {
+    if (!in.present())
+        return;
+    void* nested = new_record(in, type);
+    store<void*>(slot, 0, nested);
+    read_record(in, type, nested);
+}
+
 // The nested record of `type`, inline.
 struct record_kind {
     static constexpr bool is_list = false;
@@ -332,18 +351,10 @@ struct optional_record_kind {
         release_owned_record(*f.type, load<void*>(record, f.offset));
     }
     template <class Out> static void write(Out& out, const kelm_record_field& f, const void* r) {
-        const void* nested = load<const void*>(r, f.offset);
-        if (nested != nullptr)
-            write_record(out, *f.type, nested);
-        else
-            out.absent();
+        write_pointed_record(out, *f.type, at(r, f.offset));
     }
     template <class In> static void read(In& in, const kelm_record_field& f, void* r) {
-        if (!in.present())
-            return;
-        void* nested = new_record(in, *f.type);
-        store<void*>(r, f.offset, nested);
-        read_record(in, *f.type, nested);
+        read_pointed_record(in, *f.type, at(r, f.offset));
     }
 };
 
@@ -512,18 +523,10 @@ struct record_pointer_entry {
         std::free(array);
     }
     template <class Out> static void write(Out& out, const kelm_record_field& f, const void* e) {
-        const void* nested = load<const void*>(e, 0);
-        if (nested != nullptr)
-            write_record(out, *f.type, nested);
-        else
-            out.absent();
+        write_pointed_record(out, *f.type, e);
     }
     template <class In> static void read(In& in, const kelm_record_field& f, void* e) {
-        if (!in.present())
-            return;
-        void* nested = new_record(in, *f.type);
-        store<void*>(e, 0, nested);
-        read_record(in, *f.type, nested);
+        read_pointed_record(in, *f.type, e);
     }
 };
 
@@ -656,24 +659,15 @@ struct slots_kind {
         while (used > 0 && slot(f, r, used - 1) == nullptr)
             --used;
         out.begin_list(used);
-        for (unsigned int k = 0; k < used; ++k) {
-            const void* filled = slot(f, r, k);
-            if (filled != nullptr)
-                write_record(out, *f.type, filled);
-            else
-                out.absent();
-        }
+        for (unsigned int k = 0; k < used; ++k)
+            write_pointed_record(out, *f.type, at(r, f.offset + k * sizeof(void*)));
         out.end_list();
     }
     template <class In> static void read(In& in, const kelm_record_field& f, void* r) {
         const size_t n = in.begin_slots(f.size);
         for (size_t k = 0; k < n; ++k) {
             in.enter_entry(k);
-            if (in.present()) {
-                void* nested = new_record(in, *f.type);
-                store<void*>(at(r, f.offset), k * sizeof(void*), nested);
-                read_record(in, *f.type, nested);
-            }
+            read_pointed_record(in, *f.type, at(r, f.offset + k * sizeof(void*)));
             in.leave();
         }
         in.end_list();
