@@ -12,49 +12,16 @@
 
 #include <gtest/gtest.h>
 
+#include "tool_test_support.h"
+
 namespace {
 
-struct ToolRun {
-    int exit_code; // -1 when the tool did not exit normally (a crash)
-    std::string out;
-    std::string err;
-};
-
-std::string read_file(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
-std::string temp_path(const std::string& name) {
-    const char* dir = std::getenv("TMPDIR");
-    return std::string(dir ? dir : "/tmp") + "/kelmasn_tool_test_" + std::to_string(getpid()) +
-           "_" + name;
-}
-
-void write_file(const std::string& path, const std::vector<unsigned char>& bytes) {
-    std::ofstream out(path, std::ios::binary);
-    out.write(reinterpret_cast<const char*>(bytes.data()),
-              static_cast<std::streamsize>(bytes.size()));
-}
-
-// Runs the tool with `args` (already quoted for the shell).
-ToolRun run_tool(const std::string& args) {
-    const std::string out_path = temp_path("stdout");
-    const std::string err_path = temp_path("stderr");
-    // A sanitizer report must not pass for the tool's own exit status 1.
-    const std::string command =
-        std::string("ASAN_OPTIONS=${ASAN_OPTIONS:+$ASAN_OPTIONS:}exitcode=86 "
-                    "UBSAN_OPTIONS=${UBSAN_OPTIONS:+$UBSAN_OPTIONS:}exitcode=86 '") +
-        KELMASN_TOOL + "' " + args + " >'" + out_path + "' 2>'" + err_path + "'";
-    const int status = std::system(command.c_str());
-    ToolRun run;
-    run.exit_code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    run.out = read_file(out_path);
-    run.err = read_file(err_path);
-    std::remove(out_path.c_str());
-    std::remove(err_path.c_str());
-    return run;
-}
+using kelm_tool_test::line_count;
+using kelm_tool_test::read_file;
+using kelm_tool_test::run_tool;
+using kelm_tool_test::temp_path;
+using kelm_tool_test::ToolRun;
+using kelm_tool_test::write_file;
 
 ToolRun run_on_bytes(const std::vector<unsigned char>& bytes) {
     const std::string path = temp_path("input");
@@ -69,13 +36,6 @@ std::vector<unsigned char> sample(const std::string& name) {
     return std::vector<unsigned char>(text.begin(), text.end());
 }
 
-size_t line_count(const std::string& text) {
-    size_t n = 0;
-    for (char c : text)
-        n += c == '\n';
-    return n;
-}
-
 // A rejected input gives exit status 1 and exactly one line on stderr naming an offset.
 void expect_clean_rejection(const ToolRun& run) {
     EXPECT_EQ(run.exit_code, 1);
@@ -87,11 +47,11 @@ void expect_clean_rejection(const ToolRun& run) {
 
 TEST(ToolDer, PrintsTheTreeOfTheSampleWithAHeader) {
     const ToolRun run =
-        run_tool(std::string("der '") + KELMASN_EXAMPLES + "/attributes-with-header.der'");
+        run_tool(std::string("der '") + KELMASN_EXAMPLES + "/universal-types-with-header.der'");
     EXPECT_EQ(run.exit_code, 0);
     EXPECT_EQ(run.err, "");
     EXPECT_EQ(run.out,
-              read_file(std::string(KELMASN_TEST_DATA) + "/attributes-with-header.der.txt"));
+              read_file(std::string(KELMASN_TEST_DATA) + "/universal-types-with-header.der.txt"));
 }
 
 TEST(ToolDer, PrintsTheTreeOfTheIndefiniteLengthSample) {
@@ -110,7 +70,7 @@ TEST(ToolDer, ReadsStandardInputForDash) {
 }
 
 TEST(ToolDer, EveryTruncationOfTheSamplesIsRejectedWithOneLine) {
-    for (const char* name : {"attributes-with-header.der", "indefinite-high-tag.ber"}) {
+    for (const char* name : {"universal-types-with-header.der", "indefinite-high-tag.ber"}) {
         const std::vector<unsigned char> bytes = sample(name);
         ASSERT_FALSE(bytes.empty()) << name;
         for (size_t n = 0; n < bytes.size(); ++n) {

@@ -12,46 +12,18 @@
 #include <string>
 
 #include <gtest/gtest.h>
+
+#include "tool_test_support.h"
 #include <nlohmann/json.hpp>
 
 namespace {
 
-struct ToolRun {
-    int exit_code;
-    std::string out;
-    std::string err;
-};
-
-std::string read_file(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
-std::string temp_path(const std::string& name) {
-    const char* dir = std::getenv("TMPDIR");
-    return std::string(dir ? dir : "/tmp") + "/kelmasn_json_test_" + std::to_string(getpid()) +
-           "_" + name;
-}
-
-void write_file(const std::string& path, const std::string& text) {
-    std::ofstream out(path, std::ios::binary);
-    out << text;
-}
-
-ToolRun run_tool(const std::string& args) {
-    const std::string out_path = temp_path("stdout");
-    const std::string err_path = temp_path("stderr");
-    const std::string command =
-        std::string("ASAN_OPTIONS=${ASAN_OPTIONS:+$ASAN_OPTIONS:}exitcode=86 "
-                    "UBSAN_OPTIONS=${UBSAN_OPTIONS:+$UBSAN_OPTIONS:}exitcode=86 '") +
-        KELMASN_TOOL + "' " + args + " >'" + out_path + "' 2>'" + err_path + "'";
-    const int status = std::system(command.c_str());
-    ToolRun run{WIFEXITED(status) ? WEXITSTATUS(status) : -1, read_file(out_path),
-                read_file(err_path)};
-    std::remove(out_path.c_str());
-    std::remove(err_path.c_str());
-    return run;
-}
+using kelm_tool_test::line_count;
+using kelm_tool_test::read_file;
+using kelm_tool_test::run_tool;
+using kelm_tool_test::temp_path;
+using kelm_tool_test::ToolRun;
+using kelm_tool_test::write_file;
 
 std::string example(const std::string& name) {
     return std::string(KELMASN_EXAMPLES) + "/json/" + name + ".json";

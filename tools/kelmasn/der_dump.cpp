@@ -113,6 +113,85 @@ std::string bytes_or_text(const unsigned char* p, size_t n) {
     return printable(p, n) ? quoted(p, n) : hex(p, n);
 }
 
+// True when `text` is well-formed UTF-8 (RFC 3629: no overlong forms, no surrogates, nothing past
+// U+10FFFF) without control characters, so that it can be shown as it is.
+bool showable_utf8(const std::string& text) {
+    size_t i = 0;
+    while (i < text.size()) {
+        const unsigned char b = static_cast<unsigned char>(text[i]);
+        if (b < 0x80) {
+            if (b < 0x20 || b == 0x7F)
+                return false;
+            ++i;
+            continue;
+        }
+        const size_t n = b >= 0xF0 ? 4 : b >= 0xE0 ? 3 : b >= 0xC2 ? 2 : 0;
+        if (n == 0 || b > 0xF4 || i + n > text.size())
+            return false;
+        unsigned long code = b & (0x7F >> n);
+        for (size_t k = 1; k < n; ++k) {
+            const unsigned char c = static_cast<unsigned char>(text[i + k]);
+            if ((c & 0xC0) != 0x80)
+                return false;
+            code = code << 6 | (c & 0x3F);
+        }
+        const unsigned long least[] = {0, 0, 0x80, 0x800, 0x10000};
+        if (code < least[n] || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF) ||
+            (code >= 0x80 && code < 0xA0))
+            return false;
+        i += n;
+    }
+    return true;
+}
+
+// The text of a UTF8String (12), TeletexString (20, T.61), UniversalString (28, UCS-4) or
+// BMPString (30, UCS-2), converted to UTF-8 by the library's converters; false when the octets
+// are not text of that code set.
+bool text_as_utf8(unsigned int tag, unsigned char* p, unsigned int n, std::string& utf8) {
+    if ((tag == 30 && n % 2 != 0) || (tag == 28 && n % 4 != 0))
+        return false;
+    kelm_r_buffer_t source(p, n);
+    kelm_buffer_t out(KELM_SECURITY_PLAIN);
+    unsigned int status = 0;
+    if (tag == 12) {
+        utf8.assign(reinterpret_cast<const char*>(p), n);
+        return showable_utf8(utf8);
+    }
+    if (tag == 30) {
+        status = BMP2UTF8(source, out);
+    } else if (tag == 28) {
+        status = U2UTF8(source, out);
+    } else {
+        kelm_buffer_t bmp(KELM_SECURITY_PLAIN);
+        status = T612BMP(source, bmp);
+        if (status == 0)
+            status = BMP2UTF8(kelm_r_buffer_t(bmp.cursor, bmp.remaining), out);
+    }
+    if (status != 0)
+        return false;
+    utf8.assign(reinterpret_cast<const char*>(out.cursor), out.remaining);
+    return showable_utf8(utf8);
+}
+
+// Shows a text as text (UTF-8, cut after kMaxShownBytes characters); octets that are not text
+// of their code set in hex.
+std::string text_value(unsigned int tag, unsigned char* p, unsigned int n) {
+    std::string utf8;
+    if (!text_as_utf8(tag, p, n, utf8))
+        return hex(p, n);
+    std::string shown = "\"";
+    size_t characters = 0;
+    for (const char c : utf8) {
+        const bool starts_character = (static_cast<unsigned char>(c) & 0xC0) != 0x80;
+        if (starts_character && ++characters > kMaxShownBytes)
+            return shown + "\"...";
+        if (c == '"' || c == '\\')
+            shown += '\\';
+        shown += c;
+    }
+    return shown + "\"";
+}
+
 // The dotted form of OBJECT IDENTIFIER contents (X.690 8.19); empty when malformed.
 std::string dotted_oid(const unsigned char* p, unsigned int n) {
     std::string s;
@@ -186,9 +265,14 @@ std::string render_value(unsigned int tag, unsigned char* p, unsigned int n) {
         std::free(oid.bytes);
         return s;
     }
+    case 12:
+    case 20:
+    case 28:
+    case 30:
+        return n == 0 ? "\"\"" : text_value(tag, p, n);
     default:
-        if (is_text_tag(tag) || tag == 28 || tag == 30)
-            return n == 0 ? "\"\"" : (is_text_tag(tag) ? bytes_or_text(p, n) : hex(p, n));
+        if (is_text_tag(tag))
+            return n == 0 ? "\"\"" : bytes_or_text(p, n);
         return "";
     }
 }
@@ -202,6 +286,10 @@ class Walker {
   public:
     Walker(std::vector<unsigned char>& bytes, std::string& out, DumpError& error)
         : bytes_(bytes), out_(out), error_(error) {}
+
+    // The offset just past the element at `offset`, its children walked; nothing is kept of what
+    // it prints.
+    bool extent(size_t offset, size_t& next) { return element(offset, bytes_.size(), 0, next); }
 
     bool run() {
         size_t offset = 0;
@@ -337,6 +425,12 @@ class Walker {
 bool dump_der(std::vector<unsigned char> bytes, std::string& out, DumpError& error) {
     Walker walker(bytes, out, error);
     return walker.run();
+}
+
+bool element_end(std::vector<unsigned char> bytes, size_t offset, size_t& end, DumpError& error) {
+    std::string discarded;
+    Walker walker(bytes, discarded, error);
+    return walker.extent(offset, end);
 }
 
 } // namespace kelmasn_tool

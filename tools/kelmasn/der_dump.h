@@ -20,6 +20,11 @@ struct DumpError {
 // was printed up to that point stays in `out`.
 bool dump_der(std::vector<unsigned char> bytes, std::string& out, DumpError& error);
 
+// Sets `end` to the offset just past the element that starts at `offset` of `bytes`, its
+// children (definite or indefinite length) walked. Returns false, with `error` filled, when the
+// bytes there are not one well-formed element.
+bool element_end(std::vector<unsigned char> bytes, size_t offset, size_t& end, DumpError& error);
+
 } // namespace kelmasn_tool
 
 #endif

@@ -38,10 +38,24 @@ json octet_text_json(const char* text) {
 // Builds the JSON of a record from the kinds' walk: objects for records, arrays for lists.
 class JsonWriter {
   public:
+    explicit JsonWriter(const JsonOptions& options) : options_(options) {}
+
     json result() { return std::move(result_); }
 
     void integer(int64_t value) { put(value); }
-    void text(const char* value) { put(value != nullptr ? json(value) : json(nullptr)); }
+    void text(const char* value) {
+        if (value == nullptr) {
+            put(nullptr);
+            return;
+        }
+        std::string utf8;
+        // A text that is not of the local code set is shown as it is (the dump replaces what is
+        // not UTF-8).
+        if (options_.local != nullptr && options_.local->from_local(value, utf8))
+            put(utf8);
+        else
+            put(value);
+    }
     void octet_text(const char* value) { put(octet_text_json(value)); }
     void bytes(const unsigned char* data, size_t n) { put(hex(data, n)); }
     void absent() { put(nullptr); }
@@ -72,6 +86,7 @@ class JsonWriter {
             levels_.back().value[levels_.back().key] = std::move(value);
     }
 
+    const JsonOptions& options_;
     std::vector<Level> levels_;
     json result_;
 };
@@ -137,7 +152,9 @@ std::string hex_from(const json& value, const std::string& path) {
 // Fills a record from a JSON document for the kinds' walk; every error names the field's path.
 class JsonReader {
   public:
-    explicit JsonReader(const json& document) { levels_.push_back(Level{&document, ""}); }
+    JsonReader(const json& document, const JsonOptions& options) : options_(options) {
+        levels_.push_back(Level{&document, ""});
+    }
 
     void begin_record(const kelm_record_type& type) {
         // Every record is at least one constructed level of its encoding, so a document nested
@@ -162,8 +179,12 @@ class JsonReader {
 
     bool enter_field(const char* name) {
         auto found = value().find(name);
-        if (found == value().end())
+        if (found == value().end()) {
+            if (options_.strict)
+                fail(path().empty() ? std::string(name) : path() + "." + name,
+                     "missing (every field is required with --strict)");
             return false;
+        }
         levels_.push_back(Level{&*found, path().empty() ? std::string(name) : path() + "." + name});
         return true;
     }
@@ -173,7 +194,22 @@ class JsonReader {
     void leave() { levels_.pop_back(); }
 
     int64_t integer(int64_t low, int64_t high) { return integer_in(value(), path(), low, high); }
-    char* text() { return text_from(value(), path()); }
+    char* text() {
+        char* utf8 = text_from(value(), path());
+        if (utf8 == nullptr || options_.local == nullptr)
+            return utf8;
+        std::string local;
+        const bool held = options_.local->to_local(utf8, local);
+        std::free(utf8);
+        if (!held)
+            fail(path(),
+                 "the local code set " + options_.local->codeset() + " cannot hold this text");
+        char* copy = static_cast<char*>(std::malloc(local.size() + 1));
+        if (copy == nullptr)
+            fail(path(), "out of memory");
+        std::memcpy(copy, local.c_str(), local.size() + 1);
+        return copy;
+    }
     std::string bytes() { return hex_from(value(), path()); }
     std::string fixed_bytes(size_t size) {
         std::string value_bytes = hex_from(value(), path());
@@ -202,20 +238,22 @@ class JsonReader {
     const json& value() const { return *levels_.back().value; }
     const std::string& path() const { return levels_.back().path; }
 
+    const JsonOptions& options_;
     std::vector<Level> levels_;
     unsigned int depth_ = 0;
 };
 
 } // namespace
 
-json record_to_json(const kelm_record_type& type, const void* record) {
-    JsonWriter writer;
+json record_to_json(const kelm_record_type& type, const void* record, const JsonOptions& options) {
+    JsonWriter writer(options);
     kelm_record_kinds::write_record(writer, type, record);
     return writer.result();
 }
 
-void record_from_json(const kelm_record_type& type, const json& value, void* record) {
-    JsonReader reader(value);
+void record_from_json(const kelm_record_type& type, const json& value, void* record,
+                      const JsonOptions& options) {
+    JsonReader reader(value, options);
     kelm_record_kinds::read_record(reader, type, record);
 }
 

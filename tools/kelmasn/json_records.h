@@ -12,6 +12,7 @@
 #include <nlohmann/json.hpp>
 
 #include "asn_record.h"
+#include "local_text.h"
 
 namespace kelmasn_tool {
 
@@ -21,12 +22,23 @@ class JsonFieldError : public std::runtime_error {
     explicit JsonFieldError(const std::string& what) : std::runtime_error(what) {}
 };
 
-nlohmann::ordered_json record_to_json(const kelm_record_type& type, const void* record);
+// How texts and missing fields are taken.
+struct JsonOptions {
+    // A field that the document leaves out is an error instead of zero or null.
+    bool strict = false;
+    // The record's texts are in the local code set (as the local-code-set entry points read and
+    // write them) and the JSON's in UTF-8: each text is converted, and one that the local code
+    // set cannot hold is an error. Null: texts are UTF-8 on both sides.
+    const LocalText* local = nullptr;
+};
+
+nlohmann::ordered_json record_to_json(const kelm_record_type& type, const void* record,
+                                      const JsonOptions& options = {});
 
 // Fills `record` (zeroed, type.record_size bytes) from `json`, allocating with malloc so that
 // kelm_asn_record::free_record releases it, also after a JsonFieldError.
 void record_from_json(const kelm_record_type& type, const nlohmann::ordered_json& json,
-                      void* record);
+                      void* record, const JsonOptions& options = {});
 
 } // namespace kelmasn_tool
 

@@ -1,17 +1,29 @@
 // kelmasn: a command-line view of the library's encodings.
 //
 //   kelmasn der FILE                     the BER/DER element tree of FILE ("-": standard input)
-//   kelmasn types                        the record types the library knows
+//   kelmasn types                        the record types the library knows, with every name
+//                                        each is accepted by
 //   kelmasn decode TYPE FILE             a buffer of TYPE as JSON
 //   kelmasn encode TYPE FILE.json -o OUT a record of TYPE from JSON into a buffer
 //
 // TYPE is a record type's name, or for the types reached by type code (certificate requests,
 // lists of object updates, a bare int) also the code itself ("0x103", "259").
+//
+// Exit status: 0 success, 1 the input is refused (or cannot be read or written), 2 usage.
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cerrno>
+#include <clocale>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -22,25 +34,49 @@
 #include "json_records.h"
 #include "kelm/ekobjs.h"
 #include "kelm/kelm_entry.h"
+#include "local_text.h"
 #include "record_registry.h"
 #include "type_code_records.h"
 
 namespace {
 
-// Reads a whole file, or standard input for "-". Returns false with a message on failure.
+// Reads a whole file, or standard input for "-". Returns false with a message on failure: a
+// missing or unreadable file, a directory, a read error.
 bool read_input(const std::string& path, std::vector<unsigned char>& bytes, std::string& error) {
-    if (path == "-") {
-        bytes.assign(std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>());
-        return true;
-    }
-    std::ifstream in(path, std::ios::binary);
-    if (!in) {
-        error = "cannot open " + path;
+    const bool standard_input = path == "-";
+    const std::string name = standard_input ? std::string("standard input") : path;
+    struct stat status;
+    const int found = standard_input ? fstat(0, &status) : stat(path.c_str(), &status);
+    if (found != 0) {
+        error = "cannot open " + name + ": " + std::strerror(errno);
         return false;
     }
-    bytes.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-    if (in.bad()) {
-        error = "cannot read " + path;
+    if (S_ISDIR(status.st_mode)) {
+        error = "cannot read " + name + ": it is a directory";
+        return false;
+    }
+    try {
+        if (standard_input) {
+            bytes.assign(std::istreambuf_iterator<char>(std::cin),
+                         std::istreambuf_iterator<char>());
+            if (std::cin.bad()) {
+                error = "cannot read standard input";
+                return false;
+            }
+            return true;
+        }
+        std::ifstream in(path, std::ios::binary);
+        if (!in) {
+            error = "cannot open " + path + ": " + std::strerror(errno);
+            return false;
+        }
+        bytes.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+        if (in.bad()) {
+            error = "cannot read " + path;
+            return false;
+        }
+    } catch (const std::exception& e) {
+        error = "cannot read " + name + ": " + e.what();
         return false;
     }
     return true;
@@ -131,15 +167,29 @@ int run_der(const std::string& path) {
     return 0;
 }
 
+// The class name of a record type, then the other names TYPE accepts for it: the class name, and
+// the class name without "asn_" and without a final "_t".
+std::string other_names(const kelm_record_type& type) {
+    std::string names = std::string(type.class_name) + " (also " + type.class_name;
+    std::string brief = type.class_name;
+    if (brief.rfind("asn_", 0) == 0) {
+        brief.erase(0, 4);
+        names += ", " + brief;
+        if (brief.size() > 2 && brief.compare(brief.size() - 2, 2, "_t") == 0)
+            names += ", " + brief.substr(0, brief.size() - 2);
+    }
+    return names + ")";
+}
+
 int run_types() {
     unsigned int count = 0;
     const kelm_record_type* const* types = kelm_record_types(count);
     for (unsigned int i = 0; i < count; ++i)
-        std::printf("%-36s %s\n", types[i]->record_name, types[i]->class_name);
+        std::printf("%-36s %s\n", types[i]->record_name, other_names(*types[i]).c_str());
     const kelm_type_code_type* by_code = kelm_type_code_types(count);
     for (unsigned int i = 0; i < count; ++i)
-        std::printf("%-36s %s, type code 0x%x\n", by_code[i].type->record_name,
-                    by_code[i].type->class_name, by_code[i].code);
+        std::printf("%-36s %s, type code 0x%x (also 0x%x, %u)\n", by_code[i].type->record_name,
+                    by_code[i].type->class_name, by_code[i].code, by_code[i].code, by_code[i].code);
     return 0;
 }
 
@@ -185,13 +235,55 @@ bool write_output(const std::string& output, const kelm_asn_buffer_t& buffer) {
     return written && closed;
 }
 
-int run_decode(const std::string& type_name, const std::string& path, bool local, int version) {
+// What decode and encode are asked for besides TYPE and FILE.
+struct RecordOptions {
+    bool local = false;          // --lcs
+    bool strict = false;         // --strict: a JSON record must give every field
+    bool allow_trailing = false; // --allow-trailing: bytes after the record are ignored
+    int version = 2;             // --version: the header's version byte
+};
+
+// The local code set of the environment's locale, for --lcs; null with the message written when
+// it has no conversion to and from UTF-8.
+std::unique_ptr<kelmasn_tool::LocalText> local_text(const RecordOptions& options) {
+    if (!options.local)
+        return nullptr;
+    std::setlocale(LC_ALL, "");
+    auto text = std::make_unique<kelmasn_tool::LocalText>();
+    if (!text->ready()) {
+        complain("--lcs: no conversion between UTF-8 and the local code set " + text->codeset());
+        return nullptr;
+    }
+    return text;
+}
+
+// The bytes after the record that starts after the four-byte header; an error when there are any,
+// unless they are allowed.
+bool check_trailing(const std::string& path, std::vector<unsigned char> bytes,
+                    const RecordOptions& options) {
+    if (options.allow_trailing || bytes.size() <= 4)
+        return true;
+    size_t end = 0;
+    kelmasn_tool::DumpError error{0, ""};
+    if (!kelmasn_tool::element_end(bytes, 4, end, error) || end >= bytes.size())
+        return true;
+    complain(path + ": " + std::to_string(bytes.size() - end) +
+             " bytes after the record, from offset " + std::to_string(end) +
+             " (--allow-trailing accepts them)");
+    return false;
+}
+
+int run_decode(const std::string& type_name, const std::string& path,
+               const RecordOptions& options) {
     ToolType found{nullptr, 0};
-    const ToolType* type = find_type(type_name, local, found);
+    const ToolType* type = find_type(type_name, options.local, found);
     if (type == nullptr)
         return found.type == nullptr && found.code != 0
-                   ? run_unknown_code(found.code, path, false, version)
+                   ? run_unknown_code(found.code, path, false, options.version)
                    : 1;
+    const auto local = local_text(options);
+    if (options.local && local == nullptr)
+        return 1;
     std::vector<unsigned char> bytes;
     std::string error;
     if (!read_input(path, bytes, error))
@@ -200,44 +292,74 @@ int run_decode(const std::string& type_name, const std::string& path, bool local
     if (record.bytes == nullptr)
         return complain("out of memory");
     kelm_asn_buffer_t buffer{bytes.size(), bytes.data()};
-    const unsigned int status = decode_record(*type, record.bytes, buffer, version, local);
+    const unsigned int status =
+        decode_record(*type, record.bytes, buffer, options.version, options.local);
     if (status != 0)
         return complain(path + ": cannot decode " + type->type->record_name + ": " +
                         status_line(status));
-    std::cout << kelmasn_tool::record_to_json(*type->type, record.bytes)
+    if (!check_trailing(path, bytes, options))
+        return 1;
+    kelmasn_tool::JsonOptions json_options;
+    json_options.local = local.get();
+    std::cout << kelmasn_tool::record_to_json(*type->type, record.bytes, json_options)
                      .dump(2, ' ', false, nlohmann::json::error_handler_t::replace)
               << "\n";
     return 0;
 }
 
+// Parses a JSON document; false with the message written when it is empty or not JSON.
+bool parse_json(const std::string& path, const std::vector<unsigned char>& bytes,
+                const char* record_name, nlohmann::ordered_json& document) {
+    if (std::all_of(bytes.begin(), bytes.end(), [](unsigned char c) { return std::isspace(c); })) {
+        complain(path + ": empty, expected a JSON object for " + record_name);
+        return false;
+    }
+    try {
+        document = nlohmann::ordered_json::parse(bytes.begin(), bytes.end());
+    } catch (const nlohmann::json::exception& e) {
+        // The parser's message without its "[json.exception...] " prefix.
+        std::string what = e.what();
+        const size_t bracket = what.find("] ");
+        if (what.rfind("[json.exception", 0) == 0 && bracket != std::string::npos)
+            what.erase(0, bracket + 2);
+        complain(path + ": not JSON: " + what);
+        return false;
+    }
+    return true;
+}
+
 int run_encode(const std::string& type_name, const std::string& path, const std::string& output,
-               bool local, int version) {
+               const RecordOptions& options) {
     ToolType found{nullptr, 0};
-    const ToolType* type = find_type(type_name, local, found);
+    const ToolType* type = find_type(type_name, options.local, found);
     if (type == nullptr)
         return found.type == nullptr && found.code != 0
-                   ? run_unknown_code(found.code, path, true, version)
+                   ? run_unknown_code(found.code, path, true, options.version)
                    : 1;
+    const auto local = local_text(options);
+    if (options.local && local == nullptr)
+        return 1;
     std::vector<unsigned char> bytes;
     std::string error;
     if (!read_input(path, bytes, error))
         return complain(error);
     nlohmann::ordered_json document;
-    try {
-        document = nlohmann::ordered_json::parse(bytes.begin(), bytes.end());
-    } catch (const nlohmann::json::exception& e) {
-        return complain(path + ": not JSON: " + e.what());
-    }
+    if (!parse_json(path, bytes, type->type->record_name, document))
+        return 1;
     RecordStorage record(*type);
     if (record.bytes == nullptr)
         return complain("out of memory");
+    kelmasn_tool::JsonOptions json_options;
+    json_options.strict = options.strict;
+    json_options.local = local.get();
     try {
-        kelmasn_tool::record_from_json(*type->type, document, record.bytes);
+        kelmasn_tool::record_from_json(*type->type, document, record.bytes, json_options);
     } catch (const kelmasn_tool::JsonFieldError& e) {
         return complain(path + ": " + e.what());
     }
     kelm_asn_buffer_t buffer{0, nullptr};
-    const unsigned int status = encode_record(*type, record.bytes, buffer, version, local);
+    const unsigned int status =
+        encode_record(*type, record.bytes, buffer, options.version, options.local);
     if (status != 0)
         return complain(path + ": cannot encode " + type->type->record_name + ": " +
                         status_line(status));
@@ -248,29 +370,48 @@ int run_encode(const std::string& type_name, const std::string& path, const std:
     return 0;
 }
 
+// A usage error: one line on stderr, exit status 2.
+int usage_error(const std::string& message) {
+    std::fprintf(stderr, "kelmasn: %s (kelmasn --help describes the usage)\n", message.c_str());
+    return 2;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
-    CLI::App app{"kelmasn: inspect the library's ASN.1 encodings"};
+    CLI::App app{"kelmasn: inspect and convert the library's ASN.1 encodings.\n"
+                 "Exit status: 0 success, 1 the input is refused, 2 usage."};
+    app.set_version_flag("--version", std::string("kelmasn ") + KELMASN_TOOL_VERSION,
+                         "print the library's version and exit");
+    app.name("kelmasn");
     app.require_subcommand(1);
 
     std::string der_path;
     CLI::App* der = app.add_subcommand("der", "Print the BER/DER element tree of a file");
     der->add_option("FILE", der_path, "the bytes to walk; - reads standard input")->required();
 
-    CLI::App* types = app.add_subcommand("types", "List the record types");
+    CLI::App* types = app.add_subcommand("types", "List the record types and the names each is "
+                                                  "accepted by");
 
-    std::string type_name, input, output = "-";
-    bool local = false;
-    int version = 2;
+    std::string type_name, input, output;
+    RecordOptions options;
+    const auto version_range = CLI::Range(1, 255);
     CLI::App* decode = app.add_subcommand("decode", "Print an encoded record as JSON");
     decode
         ->add_option("TYPE", type_name,
                      "record type, e.g. attrlist_s_t, or a type code, e.g. 0x103")
         ->required();
     decode->add_option("FILE", input, "the encoded buffer; - reads standard input")->required();
-    decode->add_flag("--lcs", local, "texts to the local code set, as the LCS entry points do");
-    decode->add_option("--version", version, "the header's version byte (default 2)");
+    decode->add_flag("--lcs", options.local,
+                     "texts to the local code set of the environment's locale, as the LCS entry "
+                     "points do, shown in UTF-8");
+    decode
+        ->add_option("--version", options.version,
+                     "the header's version byte, 1 to 255 "
+                     "(default 2)")
+        ->check(version_range);
+    decode->add_flag("--allow-trailing", options.allow_trailing,
+                     "ignore bytes after the record instead of refusing the buffer");
 
     CLI::App* encode = app.add_subcommand("encode", "Encode a record given as JSON");
     encode
@@ -278,18 +419,64 @@ int main(int argc, char** argv) {
                      "record type, e.g. attrlist_s_t, or a type code, e.g. 0x103")
         ->required();
     encode->add_option("FILE", input, "the record as JSON; - reads standard input")->required();
-    encode->add_option("-o,--output", output, "where the buffer goes (default standard output)");
-    encode->add_flag("--lcs", local, "texts from the local code set, as the LCS entry points do");
-    encode->add_option("--version", version, "the header's version byte (default 2)");
+    encode->add_option("-o,--output", output,
+                       "where the buffer goes; - for standard output (required on a terminal)");
+    encode->add_flag("--lcs", options.local,
+                     "texts from the JSON's UTF-8 to the local code set of the environment's "
+                     "locale, then as the LCS entry points do; a text it cannot hold is refused");
+    encode
+        ->add_option("--version", options.version,
+                     "the header's version byte, 1 to 255 "
+                     "(default 2)")
+        ->check(version_range);
+    encode->add_flag("--strict", options.strict, "refuse a JSON record that leaves a field out");
 
-    CLI11_PARSE(app, argc, argv);
+    // "kelmasn help [SUBCOMMAND]" is --help; any other first word must be a subcommand.
+    if (argc >= 2 && std::strcmp(argv[1], "help") == 0) {
+        CLI::App* about = &app;
+        if (argc >= 3) {
+            for (CLI::App* sub : app.get_subcommands({}))
+                if (sub->get_name() == argv[2])
+                    about = sub;
+            if (about == &app)
+                return usage_error(std::string("no subcommand named '") + argv[2] + "'");
+        }
+        std::cout << about->help();
+        return 0;
+    }
+    if (argc >= 2 && argv[1][0] != '-') {
+        bool known = false;
+        for (CLI::App* sub : app.get_subcommands({}))
+            known = known || sub->get_name() == argv[1];
+        if (!known)
+            return usage_error(std::string("unknown subcommand '") + argv[1] +
+                               "'; the subcommands are der, types, decode and encode");
+    }
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::CallForHelp& e) {
+        return app.exit(e);
+    } catch (const CLI::CallForAllHelp& e) {
+        return app.exit(e);
+    } catch (const CLI::CallForVersion& e) {
+        return app.exit(e);
+    } catch (const CLI::ParseError& e) {
+        return usage_error(e.what());
+    }
     if (der->parsed())
         return run_der(der_path);
     if (types->parsed())
         return run_types();
     if (decode->parsed())
-        return run_decode(type_name, input, local, version);
-    if (encode->parsed())
-        return run_encode(type_name, input, output, local, version);
+        return run_decode(type_name, input, options);
+    if (encode->parsed()) {
+        if (output.empty()) {
+            if (isatty(1))
+                return usage_error("refusing to write a binary buffer to a terminal: give -o FILE, "
+                                   "or -o - to write it to standard output all the same");
+            output = "-";
+        }
+        return run_encode(type_name, input, output, options);
+    }
     return 2;
 }
