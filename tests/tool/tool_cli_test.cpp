@@ -11,6 +11,7 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include "test_locale.h"
 #include "tool_test_support.h"
@@ -298,3 +299,93 @@ TEST(ToolDer, TextsOfEveryCodeSetAreShownAsText) {
 }
 
 } // namespace
+
+namespace {
+
+// The record names that `types` lists, one per line's first word.
+std::vector<std::string> listed_types() {
+    const ToolRun run = run_tool("types");
+    std::vector<std::string> names;
+    size_t at = 0;
+    while (at < run.out.size()) {
+        const size_t end = run.out.find('\n', at);
+        const std::string line = run.out.substr(at, end - at);
+        names.push_back(line.substr(0, line.find(' ')));
+        at = end == std::string::npos ? run.out.size() : end + 1;
+    }
+    return names;
+}
+
+} // namespace
+
+TEST(ToolSample, EveryTypesSampleGivesEveryFieldAndRoundTrips) {
+    const std::vector<std::string> types = listed_types();
+    ASSERT_EQ(types.size(), 68u);
+    const std::string json = temp_path("sample.json");
+    const std::string der = temp_path("sample.der");
+    for (const std::string& type : types) {
+        SCOPED_TRACE(type);
+        for (const char* mode : {"", " --minimal"}) {
+            const ToolRun sample = run_tool("sample " + type + mode);
+            ASSERT_EQ(sample.exit_code, 0) << sample.err;
+            write_file(json, sample.out);
+            const ToolRun encode =
+                run_tool("encode " + type + " '" + json + "' --strict -o '" + der + "'");
+            ASSERT_EQ(encode.exit_code, 0) << encode.err;
+            const ToolRun decode = run_tool("decode " + type + " '" + der + "'");
+            ASSERT_EQ(decode.exit_code, 0) << decode.err;
+            EXPECT_EQ(nlohmann::json::parse(decode.out), nlohmann::json::parse(sample.out));
+        }
+    }
+    std::remove(json.c_str());
+    std::remove(der.c_str());
+}
+
+TEST(ToolStr, ConvertsBetweenCodeSetsWithTheLibrarysConverters) {
+    // T.61 writes é as the non-spacing acute C2 followed by e (65).
+    ToolRun run = run_tool("str --from utf8 --to t61 '\xC3\xA9'");
+    EXPECT_EQ(run.exit_code, 0) << run.err;
+    EXPECT_EQ(run.out, "C2 65\n");
+    run = run_tool("str --from t61 --to utf8 --hex-in 'C2 65'");
+    EXPECT_EQ(run.exit_code, 0) << run.err;
+    EXPECT_EQ(run.out, "\xC3\xA9\n");
+    // UCS-2, big-endian: G is 00 47, è is 00 E8.
+    run = run_tool("str --from utf8 --to bmp 'G\xC3\xA8'");
+    EXPECT_EQ(run.exit_code, 0) << run.err;
+    EXPECT_EQ(run.out, "00 47 00 E8\n");
+    run = run_tool("str --from bmp --to ucs4 --hex-in '0047'");
+    EXPECT_EQ(run.exit_code, 0) << run.err;
+    EXPECT_EQ(run.out, "00 00 00 47\n");
+}
+
+TEST(ToolStr, ACharacterWithoutAFormIsRefusedAndAnUnknownCodeSetIsAUsageError) {
+    ToolRun run = run_tool("str --from utf8 --to printable '\xC3\xA9'");
+    EXPECT_EQ(run.exit_code, 1);
+    EXPECT_NE(run.err.find("status 0x106521ab"), std::string::npos) << run.err;
+    run = run_tool("str --from latin9 --to utf8 x");
+    EXPECT_EQ(run.exit_code, 2);
+    EXPECT_EQ(line_count(run.err), 1u) << run.err;
+}
+
+TEST(ToolDecodeAuto, EveryExampleBufferIsFoundAsItsOwnType) {
+    const std::string dir = std::string(KELMASN_EXAMPLES) + "/der/";
+    for (const std::string& type : listed_types()) {
+        SCOPED_TRACE(type);
+        const ToolRun run = run_tool("decode auto '" + dir + type + ".der'");
+        ASSERT_EQ(run.exit_code, 0) << run.err;
+        const std::string candidates = run.err.substr(run.err.find(": decodes as "));
+        EXPECT_TRUE(candidates.find(" " + type + " ") != std::string::npos ||
+                    candidates.find(" " + type + ",") != std::string::npos ||
+                    candidates.find(" " + type + "\n") != std::string::npos)
+            << run.err;
+    }
+}
+
+TEST(ToolDecodeAuto, ABufferThatNoTypeDecodesExitsOne) {
+    const std::string path = temp_path("garbage.der");
+    write_file(path, std::string("\x04\x02\xAC\xDC\x05\x00", 6));
+    const ToolRun run = run_tool("decode auto '" + path + "'");
+    EXPECT_EQ(run.exit_code, 1);
+    EXPECT_EQ(run.err, "kelmasn: " + path + ": no record type decodes this buffer\n");
+    std::remove(path.c_str());
+}

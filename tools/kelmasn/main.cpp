@@ -30,12 +30,14 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include "code_sets.h"
 #include "der_dump.h"
 #include "json_records.h"
 #include "kelm/ekobjs.h"
 #include "kelm/kelm_entry.h"
 #include "local_text.h"
 #include "record_registry.h"
+#include "samples.h"
 #include "type_code_records.h"
 
 namespace {
@@ -273,8 +275,75 @@ bool check_trailing(const std::string& path, std::vector<unsigned char> bytes,
     return false;
 }
 
+// A usage error: one line on stderr, exit status 2.
+int usage_error(const std::string& message) {
+    std::fprintf(stderr, "kelmasn: %s (kelmasn --help describes the usage)\n", message.c_str());
+    return 2;
+}
+
+// Every record type, the typed ones first.
+std::vector<ToolType> all_types() {
+    std::vector<ToolType> types;
+    unsigned int count = 0;
+    const kelm_record_type* const* typed = kelm_record_types(count);
+    for (unsigned int i = 0; i < count; ++i)
+        types.push_back(ToolType{typed[i], 0});
+    const kelm_type_code_type* by_code = kelm_type_code_types(count);
+    for (unsigned int i = 0; i < count; ++i)
+        types.push_back(ToolType{by_code[i].type, by_code[i].code});
+    return types;
+}
+
+// decode auto: the buffer decoded as every record type. Those that decode and encode back to
+// the same bytes come first, then those that only decode; the JSON of the first is printed and
+// the candidates are named on stderr. Exit status 1 when no type decodes the buffer.
+int run_decode_auto(const std::string& path, const RecordOptions& options) {
+    std::vector<unsigned char> bytes;
+    std::string error;
+    if (!read_input(path, bytes, error))
+        return complain(error);
+    std::vector<ToolType> exact, decodes;
+    for (const ToolType& type : all_types()) {
+        RecordStorage record(type);
+        if (record.bytes == nullptr)
+            return complain("out of memory");
+        std::vector<unsigned char> input = bytes;
+        kelm_asn_buffer_t in{input.size(), input.data()};
+        // A type's own complaints on stderr are not the user's concern here.
+        std::fflush(stderr);
+        if (decode_record(type, record.bytes, in, options.version, false) != 0)
+            continue;
+        kelm_asn_buffer_t out{0, nullptr};
+        const bool same = encode_record(type, record.bytes, out, options.version, false) == 0 &&
+                          out.length == bytes.size() &&
+                          std::equal(bytes.begin(), bytes.end(), out.data);
+        kelm_asn_buffer_free(out);
+        (same ? exact : decodes).push_back(type);
+    }
+    exact.insert(exact.end(), decodes.begin(), decodes.end());
+    if (exact.empty())
+        return complain(path + ": no record type decodes this buffer");
+    std::string names;
+    for (size_t i = 1; i < exact.size(); ++i)
+        names += std::string(i > 1 ? ", " : "") + exact[i].type->record_name;
+    std::fprintf(stderr, "kelmasn: %s: decodes as %s%s%s\n", path.c_str(),
+                 exact[0].type->record_name,
+                 exact.size() - decodes.size() > 0 ? " (and encodes back to the same bytes)" : "",
+                 names.empty() ? "" : ("; also as " + names).c_str());
+    RecordStorage record(exact[0]);
+    kelm_asn_buffer_t in{bytes.size(), bytes.data()};
+    decode_record(exact[0], record.bytes, in, options.version, false);
+    std::cout << kelmasn_tool::record_to_json(*exact[0].type, record.bytes)
+                     .dump(2, ' ', false, nlohmann::json::error_handler_t::replace)
+              << "\n";
+    return 0;
+}
+
 int run_decode(const std::string& type_name, const std::string& path,
                const RecordOptions& options) {
+    if (type_name == "auto")
+        return options.local ? usage_error("--lcs needs a record type, not auto")
+                             : run_decode_auto(path, options);
     ToolType found{nullptr, 0};
     const ToolType* type = find_type(type_name, options.local, found);
     if (type == nullptr)
@@ -370,10 +439,81 @@ int run_encode(const std::string& type_name, const std::string& path, const std:
     return 0;
 }
 
-// A usage error: one line on stderr, exit status 2.
-int usage_error(const std::string& message) {
-    std::fprintf(stderr, "kelmasn: %s (kelmasn --help describes the usage)\n", message.c_str());
-    return 2;
+// sample: a filled record of the type as JSON (every field given), or with --minimal the
+// smallest (zeros, empty texts, empty lists, optional records absent).
+int run_sample(const std::string& type_name, bool minimal) {
+    ToolType found{nullptr, 0};
+    const ToolType* type = find_type(type_name, false, found);
+    if (type == nullptr)
+        return found.code != 0
+                   ? complain("no record type has the type code " + code_text(found.code))
+                   : 1;
+    RecordStorage record(*type);
+    if (record.bytes == nullptr)
+        return complain("out of memory");
+    kelmasn_tool::fill_sample(*type->type, record.bytes, minimal);
+    std::cout << kelmasn_tool::record_to_json(*type->type, record.bytes).dump(2) << "\n";
+    return 0;
+}
+
+// The octets of `text` written as hex digits, spaces allowed between them.
+bool from_hex(const std::string& text, std::string& bytes) {
+    std::string digits;
+    for (const char c : text)
+        if (!std::isspace(static_cast<unsigned char>(c)))
+            digits += c;
+    if (digits.size() % 2 != 0)
+        return false;
+    bytes.clear();
+    for (size_t i = 0; i < digits.size(); i += 2) {
+        const std::string pair = digits.substr(i, 2);
+        if (!std::isxdigit(static_cast<unsigned char>(pair[0])) ||
+            !std::isxdigit(static_cast<unsigned char>(pair[1])))
+            return false;
+        bytes += static_cast<char>(std::stoi(pair, nullptr, 16));
+    }
+    return true;
+}
+
+std::string to_hex(const std::string& bytes) {
+    std::string out;
+    char two[4];
+    for (size_t i = 0; i < bytes.size(); ++i) {
+        std::snprintf(two, sizeof two, i ? " %02X" : "%02X", static_cast<unsigned char>(bytes[i]));
+        out += two;
+    }
+    return out;
+}
+
+// str: the library's code-set converters. TEXT (or standard input for - or none) is octets of
+// --from, or hex with --hex-in; the result is shown as text when --to is UTF-8 or an IA5 set and
+// its octets are printable, else (or with --hex-out) in hex.
+int run_str(const std::string& from, const std::string& to, const std::string& text, bool hex_in,
+            bool hex_out) {
+    std::string in = text;
+    if (text == "-") {
+        std::vector<unsigned char> bytes;
+        std::string error;
+        if (!read_input("-", bytes, error))
+            return complain(error);
+        in.assign(bytes.begin(), bytes.end());
+    }
+    if (hex_in && !from_hex(std::string(in), in))
+        return complain("--hex-in: not hex digits: " + text);
+    std::string out, error;
+    const unsigned int status = kelmasn_tool::convert_text(from, to, in, out, error);
+    if (!error.empty())
+        return usage_error(error);
+    if (status != 0)
+        return complain("cannot convert from " + from + " to " + to + ": " + status_line(status));
+    const bool ascii_set = to == "ia5" || to == "printable" || to == "visible";
+    const bool printable_text =
+        (to == "utf8" || ascii_set) && std::all_of(out.begin(), out.end(), [&](char c) {
+            const unsigned char u = static_cast<unsigned char>(c);
+            return ascii_set ? u >= 0x20 && u < 0x7F : u >= 0x20 && u != 0x7F;
+        });
+    std::cout << (hex_out || !printable_text ? to_hex(out) : out) << "\n";
+    return 0;
 }
 
 } // namespace
@@ -399,7 +539,8 @@ int main(int argc, char** argv) {
     CLI::App* decode = app.add_subcommand("decode", "Print an encoded record as JSON");
     decode
         ->add_option("TYPE", type_name,
-                     "record type, e.g. attrlist_s_t, or a type code, e.g. 0x103")
+                     "record type, e.g. attrlist_s_t, or a type code, e.g. 0x103; auto tries "
+                     "every type")
         ->required();
     decode->add_option("FILE", input, "the encoded buffer; - reads standard input")->required();
     decode->add_flag("--lcs", options.local,
@@ -431,6 +572,26 @@ int main(int argc, char** argv) {
         ->check(version_range);
     encode->add_flag("--strict", options.strict, "refuse a JSON record that leaves a field out");
 
+    std::string sample_type;
+    bool minimal = false, full = false;
+    CLI::App* sample = app.add_subcommand("sample", "Print a filled JSON record of a type to start "
+                                                    "from");
+    sample->add_option("TYPE", sample_type, "record type, or type code")->required();
+    auto* minimal_flag =
+        sample->add_flag("--minimal", minimal, "the smallest record: zeros, empty texts and lists");
+    sample->add_flag("--full", full, "every field given (the default)")->excludes(minimal_flag);
+
+    std::string from, to, text = "-";
+    bool hex_in = false, hex_out = false;
+    CLI::App* str = app.add_subcommand("str", "Convert a text between code sets with the "
+                                              "library's converters");
+    const auto code_sets = CLI::IsMember(kelmasn_tool::code_set_names());
+    str->add_option("--from", from, "the code set of the input")->required()->check(code_sets);
+    str->add_option("--to", to, "the code set of the output")->required()->check(code_sets);
+    str->add_option("TEXT", text, "the input's octets; - or nothing reads standard input");
+    str->add_flag("--hex-in", hex_in, "the input is written in hex");
+    str->add_flag("--hex-out", hex_out, "show the output in hex");
+
     // "kelmasn help [SUBCOMMAND]" is --help; any other first word must be a subcommand.
     if (argc >= 2 && std::strcmp(argv[1], "help") == 0) {
         CLI::App* about = &app;
@@ -450,7 +611,7 @@ int main(int argc, char** argv) {
             known = known || sub->get_name() == argv[1];
         if (!known)
             return usage_error(std::string("unknown subcommand '") + argv[1] +
-                               "'; the subcommands are der, types, decode and encode");
+                               "'; the subcommands are der, types, decode, encode, sample and str");
     }
     try {
         app.parse(argc, argv);
@@ -469,6 +630,10 @@ int main(int argc, char** argv) {
         return run_types();
     if (decode->parsed())
         return run_decode(type_name, input, options);
+    if (sample->parsed())
+        return run_sample(sample_type, minimal);
+    if (str->parsed())
+        return run_str(from, to, text, hex_in, hex_out);
     if (encode->parsed()) {
         if (output.empty()) {
             if (isatty(1))
