@@ -30,6 +30,7 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include "ber_tree.h"
 #include "code_sets.h"
 #include "der_dump.h"
 #include "json_records.h"
@@ -516,6 +517,242 @@ int run_str(const std::string& from, const std::string& to, const std::string& t
     return 0;
 }
 
+// --- check, canon, craft, diff ---------------------------------------------------------------
+
+// The offset of the record in a buffer: 4 after the header 04 vv AC DC, else 0.
+size_t record_offset(const std::vector<unsigned char>& bytes) {
+    return bytes.size() >= 4 && bytes[0] == 0x04 && bytes[2] == 0xAC && bytes[3] == 0xDC ? 4 : 0;
+}
+
+// The type named for check, canon and diff: the one given, or the best that decode auto finds.
+// Null with the message written when there is none.
+const ToolType* type_for(const std::string& type_name, const std::vector<unsigned char>& bytes,
+                         const std::string& path, ToolType& found) {
+    if (!type_name.empty() && type_name != "auto")
+        return find_type(type_name, false, found);
+    for (const ToolType& type : all_types()) {
+        RecordStorage record(type);
+        std::vector<unsigned char> input = bytes;
+        kelm_asn_buffer_t in{input.size(), input.data()};
+        if (record.bytes != nullptr && decode_record(type, record.bytes, in, 2, false) == 0) {
+            found = type;
+            return &found;
+        }
+    }
+    complain(path + ": no record type decodes this buffer");
+    return nullptr;
+}
+
+// The library's encoding of the buffer's record decoded as `type`; false with the message
+// written when it does not decode.
+bool library_encoding(const ToolType& type, const std::vector<unsigned char>& bytes,
+                      const std::string& path, std::vector<unsigned char>& out) {
+    RecordStorage record(type);
+    if (record.bytes == nullptr)
+        return complain("out of memory"), false;
+    std::vector<unsigned char> input = bytes;
+    kelm_asn_buffer_t in{input.size(), input.data()};
+    const int version = bytes.size() >= 2 ? bytes[1] : 2;
+    unsigned int status = decode_record(type, record.bytes, in, version, false);
+    if (status != 0)
+        return complain(path + ": cannot decode " + type.type->record_name + ": " +
+                        status_line(status)),
+               false;
+    kelm_asn_buffer_t encoded{0, nullptr};
+    status = encode_record(type, record.bytes, encoded, version, false);
+    if (status != 0)
+        return complain(path + ": cannot encode " + type.type->record_name + ": " +
+                        status_line(status)),
+               false;
+    out.assign(encoded.data, encoded.data + encoded.length);
+    kelm_asn_buffer_free(encoded);
+    return true;
+}
+
+// What keeps a buffer from being what the library writes: BER-only forms, bytes after the
+// record, and with a type, any other difference from the library's encoding of its record.
+bool buffer_findings(const std::vector<unsigned char>& bytes, const std::string& path,
+                     const ToolType* type, std::vector<std::string>& findings) {
+    const size_t start = record_offset(bytes);
+    if (start == 0)
+        findings.push_back("offset 0: no header 04 vv AC DC");
+    kelmasn_tool::BerNode node;
+    std::string error;
+    if (!kelmasn_tool::parse_ber(bytes, start, KELM_ASN_MAX_NESTING, node, error))
+        return complain(path + ": " + error), false;
+    kelmasn_tool::find_ber_only(node, findings);
+    if (node.end < bytes.size())
+        findings.push_back("offset " + std::to_string(node.end) + ": " +
+                           std::to_string(bytes.size() - node.end) + " bytes after the record");
+    if (type != nullptr && findings.empty()) {
+        std::vector<unsigned char> library;
+        if (!library_encoding(*type, bytes, path, library))
+            return false;
+        if (library != bytes) {
+            size_t at = 0;
+            while (at < library.size() && at < bytes.size() && library[at] == bytes[at])
+                ++at;
+            findings.push_back("offset " + std::to_string(at) + ": differs from the library's " +
+                               "encoding of this " + type->type->record_name +
+                               " (a value equal to its default, or another form)");
+        }
+    }
+    return true;
+}
+
+// check: lists what is BER but not DER-shaped; exit 0 when the buffer is what the library
+// writes.
+int run_check(const std::string& path, const std::string& type_name) {
+    std::vector<unsigned char> bytes;
+    std::string error;
+    if (!read_input(path, bytes, error))
+        return complain(error);
+    ToolType found{nullptr, 0};
+    const ToolType* type = nullptr;
+    if (!type_name.empty() && (type = type_for(type_name, bytes, path, found)) == nullptr)
+        return 1;
+    std::vector<std::string> findings;
+    if (!buffer_findings(bytes, path, type, findings))
+        return 1;
+    for (const std::string& finding : findings)
+        std::cout << finding << "\n";
+    return findings.empty() ? 0 : 1;
+}
+
+// canon: BER in, the library's DER out (the record decoded as its type and encoded again), with
+// what differed listed on stderr.
+int run_canon(const std::string& path, const std::string& type_name, const std::string& output) {
+    std::vector<unsigned char> bytes;
+    std::string error;
+    if (!read_input(path, bytes, error))
+        return complain(error);
+    ToolType found{nullptr, 0};
+    const ToolType* type = type_for(type_name, bytes, path, found);
+    if (type == nullptr)
+        return 1;
+    std::vector<unsigned char> library;
+    if (!library_encoding(*type, bytes, path, library))
+        return 1;
+    std::vector<std::string> findings;
+    buffer_findings(bytes, path, nullptr, findings);
+    for (const std::string& finding : findings)
+        std::fprintf(stderr, "kelmasn: %s: %s\n", path.c_str(), finding.c_str());
+    const kelm_asn_buffer_t buffer{library.size(), library.data()};
+    return write_output(output, buffer) ? 0 : complain("cannot write " + output);
+}
+
+// What craft is asked for.
+struct CraftOptions {
+    kelmasn_tool::BerForm form;
+    int header_version = 2;
+    long truncate = -1;
+};
+
+// craft: the record's encoding rewritten into BER variants, for negative tests.
+int run_craft(const std::string& type_name, const std::string& path, const std::string& output,
+              const CraftOptions& craft) {
+    ToolType found{nullptr, 0};
+    const ToolType* type = find_type(type_name, false, found);
+    if (type == nullptr)
+        return 1;
+    std::vector<unsigned char> bytes;
+    std::string error;
+    if (!read_input(path, bytes, error))
+        return complain(error);
+    nlohmann::ordered_json document;
+    if (!parse_json(path, bytes, type->type->record_name, document))
+        return 1;
+    RecordStorage record(*type);
+    if (record.bytes == nullptr)
+        return complain("out of memory");
+    try {
+        kelmasn_tool::record_from_json(*type->type, document, record.bytes);
+    } catch (const kelmasn_tool::JsonFieldError& e) {
+        return complain(path + ": " + e.what());
+    }
+    kelm_asn_buffer_t encoded{0, nullptr};
+    const unsigned int status = encode_record(*type, record.bytes, encoded, 2, false);
+    if (status != 0)
+        return complain(path + ": cannot encode " + type->type->record_name + ": " +
+                        status_line(status));
+    const std::vector<unsigned char> der(encoded.data, encoded.data + encoded.length);
+    kelm_asn_buffer_free(encoded);
+    kelmasn_tool::BerNode node;
+    if (!kelmasn_tool::parse_ber(der, 4, KELM_ASN_MAX_NESTING, node, error))
+        return complain(path + ": " + error);
+    std::vector<unsigned char> out = {0x04, static_cast<unsigned char>(craft.header_version), 0xAC,
+                                      0xDC};
+    kelmasn_tool::write_ber(der, node, craft.form, out);
+    if (craft.truncate >= 0 && static_cast<size_t>(craft.truncate) < out.size())
+        out.resize(static_cast<size_t>(craft.truncate));
+    const kelm_asn_buffer_t buffer{out.size(), out.data()};
+    return write_output(output, buffer) ? 0 : complain("cannot write " + output);
+}
+
+// The differences between two JSON values by path: changed values, list entries added and
+// removed.
+void json_differences(const nlohmann::ordered_json& a, const nlohmann::ordered_json& b,
+                      const std::string& path, std::vector<std::string>& out) {
+    if (a.is_object() && b.is_object()) {
+        for (auto it = a.begin(); it != a.end(); ++it) {
+            const std::string at = path.empty() ? it.key() : path + "." + it.key();
+            if (b.contains(it.key()))
+                json_differences(it.value(), b[it.key()], at, out);
+            else
+                out.push_back(at + ": removed");
+        }
+        for (auto it = b.begin(); it != b.end(); ++it)
+            if (!a.contains(it.key()))
+                out.push_back((path.empty() ? it.key() : path + "." + it.key()) + ": added");
+        return;
+    }
+    if (a.is_array() && b.is_array()) {
+        const size_t common = std::min(a.size(), b.size());
+        for (size_t i = 0; i < common; ++i)
+            json_differences(a[i], b[i], path + "[" + std::to_string(i) + "]", out);
+        for (size_t i = common; i < a.size(); ++i)
+            out.push_back(path + "[" + std::to_string(i) + "]: removed " + a[i].dump());
+        for (size_t i = common; i < b.size(); ++i)
+            out.push_back(path + "[" + std::to_string(i) + "]: added " + b[i].dump());
+        return;
+    }
+    if (a != b)
+        out.push_back(path + ": " +
+                      a.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + " -> " +
+                      b.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
+}
+
+// diff: the two buffers' records compared field by field; exit 0 when they are equal.
+int run_diff(const std::string& first, const std::string& second, const std::string& type_name) {
+    nlohmann::ordered_json records[2];
+    const std::string paths[2] = {first, second};
+    for (int i = 0; i < 2; ++i) {
+        std::vector<unsigned char> bytes;
+        std::string error;
+        if (!read_input(paths[i], bytes, error))
+            return complain(error);
+        ToolType found{nullptr, 0};
+        const ToolType* type = type_for(type_name, bytes, paths[i], found);
+        if (type == nullptr)
+            return 1;
+        RecordStorage record(*type);
+        if (record.bytes == nullptr)
+            return complain("out of memory");
+        kelm_asn_buffer_t in{bytes.size(), bytes.data()};
+        const unsigned int status =
+            decode_record(*type, record.bytes, in, bytes.size() >= 2 ? bytes[1] : 2, false);
+        if (status != 0)
+            return complain(paths[i] + ": cannot decode " + type->type->record_name + ": " +
+                            status_line(status));
+        records[i] = kelmasn_tool::record_to_json(*type->type, record.bytes);
+    }
+    std::vector<std::string> differences;
+    json_differences(records[0], records[1], "", differences);
+    for (const std::string& difference : differences)
+        std::cout << difference << "\n";
+    return differences.empty() ? 0 : 1;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -592,6 +829,48 @@ int main(int argc, char** argv) {
     str->add_flag("--hex-in", hex_in, "the input is written in hex");
     str->add_flag("--hex-out", hex_out, "show the output in hex");
 
+    std::string check_type;
+    CLI::App* check = app.add_subcommand("check", "List what is BER but not DER-shaped in a "
+                                                  "buffer; exit 0 when it is what the library "
+                                                  "writes");
+    check->add_option("FILE", input, "the buffer; - reads standard input")->required();
+    check->add_option("--type", check_type,
+                      "also compare with the library's encoding of the "
+                      "record as this type (auto: the first that decodes)");
+
+    CLI::App* canon = app.add_subcommand("canon", "Rewrite a BER buffer as the library's DER");
+    canon->add_option("FILE", input, "the buffer; - reads standard input")->required();
+    canon->add_option("-o,--output", output, "where the DER goes; - for standard output")
+        ->required();
+    canon->add_option("--type", check_type, "the record type (default: the first that decodes)");
+
+    std::string second;
+    CLI::App* diff = app.add_subcommand("diff", "Compare the records of two buffers field by "
+                                                "field; exit 0 when equal");
+    diff->add_option("A", input, "the first buffer")->required();
+    diff->add_option("B", second, "the second buffer")->required();
+    diff->add_option("--type", check_type, "the record type (default: the first that decodes)");
+
+    CraftOptions craft_options;
+    CLI::App* craft = app.add_subcommand("craft", "Encode a JSON record into BER variants for "
+                                                  "negative tests");
+    craft->add_option("FILE", input, "the record as JSON")->required();
+    craft->add_option("--type", type_name, "the record type")->required();
+    craft->add_option("-o,--output", output, "where the buffer goes; - for standard output")
+        ->required();
+    craft->add_flag("--indefinite", craft_options.form.indefinite,
+                    "every constructed element with an indefinite length");
+    craft->add_flag("--long-lengths", craft_options.form.long_lengths,
+                    "every definite length in the four-octet long form");
+    craft->add_option("--constructed-strings", craft_options.form.constructed_strings,
+                      "strings longer than N octets cut into constructed pieces of N");
+    craft
+        ->add_option("--header-version", craft_options.header_version,
+                     "the header's version byte, 0 to 255 (default 2)")
+        ->check(CLI::Range(0, 255));
+    craft->add_option("--truncate", craft_options.truncate, "keep only the first N bytes")
+        ->check(CLI::NonNegativeNumber);
+
     // "kelmasn help [SUBCOMMAND]" is --help; any other first word must be a subcommand.
     if (argc >= 2 && std::strcmp(argv[1], "help") == 0) {
         CLI::App* about = &app;
@@ -611,7 +890,7 @@ int main(int argc, char** argv) {
             known = known || sub->get_name() == argv[1];
         if (!known)
             return usage_error(std::string("unknown subcommand '") + argv[1] +
-                               "'; the subcommands are der, types, decode, encode, sample and str");
+                               "'; kelmasn help lists the subcommands");
     }
     try {
         app.parse(argc, argv);
@@ -630,6 +909,14 @@ int main(int argc, char** argv) {
         return run_types();
     if (decode->parsed())
         return run_decode(type_name, input, options);
+    if (check->parsed())
+        return run_check(input, check_type);
+    if (canon->parsed())
+        return run_canon(input, check_type, output);
+    if (diff->parsed())
+        return run_diff(input, second, check_type);
+    if (craft->parsed())
+        return run_craft(type_name, input, output, craft_options);
     if (sample->parsed())
         return run_sample(sample_type, minimal);
     if (str->parsed())
