@@ -6,8 +6,8 @@
 #include <memory>
 #include <vector>
 
-#include "record_registry.h"
 #include "kelm/ekobjs.h"
+#include "record_registry.h"
 
 namespace kelmasn_fuzz {
 namespace {

@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include "ber_tree_properties.h"
 #include "der_inspect_properties.h"
 #include "der_walk_properties.h"
 #include "record_properties.h"
@@ -67,4 +68,12 @@ TEST(FuzzCorpus, EverySeedKeepsTheWalkProperties) {
 
 TEST(FuzzCorpus, EverySeedKeepsTheRecordProperties) {
     replay(kFuzzDir / "corpus" / "fuzz_records", kelmasn_fuzz::check_record_decoding);
+}
+
+TEST(FuzzRegressions, EveryRegressionInputKeepsTheBerTreeProperties) {
+    replay(kFuzzDir / "regressions", kelmasn_fuzz::check_ber_tree);
+}
+
+TEST(FuzzCorpus, EverySeedKeepsTheBerTreeProperties) {
+    replay(kFuzzDir / "corpus" / "fuzz_ber_tree", kelmasn_fuzz::check_ber_tree);
 }

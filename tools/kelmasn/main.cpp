@@ -33,6 +33,7 @@
 #include "ber_tree.h"
 #include "code_sets.h"
 #include "der_dump.h"
+#include "inspect.h"
 #include "json_records.h"
 #include "kelm/ekobjs.h"
 #include "kelm/kelm_entry.h"
@@ -753,6 +754,81 @@ int run_diff(const std::string& first, const std::string& second, const std::str
     return differences.empty() ? 0 : 1;
 }
 
+// inspect: the header checked and shown, then the element tree labelled with field paths when
+// the buffer decodes as the type (given, or with auto the first that decodes it). Where it does
+// not, the tree is shown untyped and the library's status named; exit status 1.
+int run_inspect(const std::string& path, const std::string& type_name) {
+    std::vector<unsigned char> bytes;
+    std::string error;
+    if (!read_input(path, bytes, error))
+        return complain(error);
+    const size_t start = record_offset(bytes);
+    if (start == 4)
+        std::printf("%6u  header: length 4, version %u, magic AC DC\n", 0u, bytes[1]);
+    else
+        std::printf("     -  no header 04 vv AC DC\n");
+    kelmasn_tool::BerNode tree;
+    if (!kelmasn_tool::parse_ber(bytes, start, KELM_ASN_MAX_NESTING, tree, error)) {
+        std::fflush(stdout);
+        return complain(path + ": " + error);
+    }
+    std::string out;
+    ToolType found{nullptr, 0};
+    const ToolType* type = nullptr;
+    if (!type_name.empty()) {
+        if (type_name == "auto") {
+            for (const ToolType& candidate : all_types()) {
+                RecordStorage record(candidate);
+                std::vector<unsigned char> input = bytes;
+                kelm_asn_buffer_t in{input.size(), input.data()};
+                if (record.bytes != nullptr &&
+                    decode_record(candidate, record.bytes, in, bytes.size() > 1 ? bytes[1] : 2,
+                                  false) == 0) {
+                    found = candidate;
+                    type = &found;
+                    break;
+                }
+            }
+            if (type == nullptr) {
+                kelmasn_tool::inspect_untyped(bytes, tree, out);
+                std::fputs(out.c_str(), stdout);
+                std::fflush(stdout);
+                return complain(path + ": no record type decodes this buffer");
+            }
+        } else if ((type = find_type(type_name, false, found)) == nullptr) {
+            return 1;
+        }
+    }
+    if (type == nullptr) {
+        kelmasn_tool::inspect_untyped(bytes, tree, out);
+        std::fputs(out.c_str(), stdout);
+        return 0;
+    }
+    RecordStorage record(*type);
+    if (record.bytes == nullptr)
+        return complain("out of memory");
+    kelm_asn_buffer_t in{bytes.size(), bytes.data()};
+    const unsigned int status =
+        decode_record(*type, record.bytes, in, bytes.size() > 1 ? bytes[1] : 2, false);
+    if (status != 0) {
+        kelmasn_tool::inspect_untyped(bytes, tree, out);
+        std::fputs(out.c_str(), stdout);
+        std::fflush(stdout);
+        return complain(path + ": does not decode as " + type->type->record_name + ": " +
+                        status_line(status));
+    }
+    const bool labelled =
+        kelmasn_tool::inspect_record(bytes, tree, *type->type, record.bytes, out, error);
+    std::fputs(out.c_str(), stdout);
+    std::fflush(stdout);
+    if (!labelled)
+        return complain(path + ": " + error);
+    if (tree.end < bytes.size())
+        return complain(path + ": " + std::to_string(bytes.size() - tree.end) +
+                        " bytes after the record, from offset " + std::to_string(tree.end));
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -844,6 +920,12 @@ int main(int argc, char** argv) {
         ->required();
     canon->add_option("--type", check_type, "the record type (default: the first that decodes)");
 
+    std::string inspect_type;
+    CLI::App* inspect = app.add_subcommand("inspect", "Show a buffer's elements, each labelled "
+                                                      "with the field it carries");
+    inspect->add_option("FILE", input, "the buffer; - reads standard input")->required();
+    inspect->add_option("--type", inspect_type, "the record type; auto tries every type");
+
     std::string second;
     CLI::App* diff = app.add_subcommand("diff", "Compare the records of two buffers field by "
                                                 "field; exit 0 when equal");
@@ -909,6 +991,8 @@ int main(int argc, char** argv) {
         return run_types();
     if (decode->parsed())
         return run_decode(type_name, input, options);
+    if (inspect->parsed())
+        return run_inspect(input, inspect_type);
     if (check->parsed())
         return run_check(input, check_type);
     if (canon->parsed())

@@ -1,0 +1,235 @@
+// Element trees labelled with field paths, through the record kinds' writer walk: the walk over
+// the decoded record meets its values in the order the elements stand on the wire.
+#include "inspect.h"
+
+#include <cstdio>
+
+#include "asn_record_kinds.h"
+#include "der_dump.h"
+
+namespace kelmasn_tool {
+namespace {
+
+const char* universal_type_name(unsigned long tag) {
+    switch (tag) {
+    case 1:
+        return "BOOLEAN";
+    case 2:
+        return "INTEGER";
+    case 4:
+        return "OCTET STRING";
+    case 5:
+        return "NULL";
+    case 12:
+        return "UTF8String";
+    case 16:
+        return "SEQUENCE";
+    case 19:
+        return "PrintableString";
+    case 20:
+        return "TeletexString";
+    case 22:
+        return "IA5String";
+    case 26:
+        return "VisibleString";
+    case 28:
+        return "UniversalString";
+    case 30:
+        return "BMPString";
+    default:
+        return nullptr;
+    }
+}
+
+// "SEQUENCE, length 12", "[CONTEXT 3] constructed, length indefinite" and the like.
+std::string describe(const BerNode& node) {
+    static const char* const classes[] = {"UNIVERSAL", "APPLICATION", "CONTEXT", "PRIVATE"};
+    const char* name = node.tag_class == 0 ? universal_type_name(node.tag) : nullptr;
+    std::string text = name != nullptr ? std::string(name)
+                                       : "[" + std::string(classes[node.tag_class]) + " " +
+                                             std::to_string(node.tag) + "]";
+    if (node.constructed && !(node.tag_class == 0 && node.tag == 16))
+        text += " constructed";
+    text += node.indefinite ? ", length indefinite"
+                            : ", length " + std::to_string(node.contents_length);
+    return text;
+}
+
+std::string offset_column(size_t offset) {
+    char column[16];
+    std::snprintf(column, sizeof column, "%6zu", offset);
+    return column;
+}
+
+// A primitive element's value as the der subcommand shows it.
+std::string value_of(const std::vector<unsigned char>& bytes, const BerNode& node) {
+    if (node.constructed)
+        return "";
+    std::vector<unsigned char> element(bytes.begin() + static_cast<long>(node.offset),
+                                       bytes.begin() + static_cast<long>(node.end));
+    std::string line;
+    DumpError error{0, ""};
+    if (!dump_der(element, line, error))
+        return "";
+    const size_t colon = line.find(": ", line.find("length"));
+    std::string value = colon == std::string::npos ? "" : line.substr(colon + 2);
+    while (!value.empty() && value.back() == '\n')
+        value.pop_back();
+    return value;
+}
+
+void untyped(const std::vector<unsigned char>& bytes, const BerNode& node, unsigned int depth,
+             std::string& out) {
+    const std::string value = value_of(bytes, node);
+    out += offset_column(node.offset) + "  " + std::string(2 * depth, ' ') + describe(node) +
+           (value.empty() ? "" : ": " + value) + "\n";
+    for (const BerNode& child : node.children)
+        untyped(bytes, child, depth + 1, out);
+}
+
+// The kinds' writer walk, consuming the elements of the tree as the values come.
+class Labeller {
+  public:
+    Labeller(const std::vector<unsigned char>& bytes, const BerNode& tree,
+             const kelm_record_type& type, std::string& out)
+        : bytes_(bytes), out_(out), root_(tree), root_name_(type.record_name),
+          bare_(type.flags & KELM_RECORD_BARE_ELEMENT),
+          version_(type.flags & KELM_RECORD_VERSION_ELEMENT) {}
+
+    bool ok() const { return error_.empty(); }
+    const std::string& error() const { return error_; }
+
+    void begin_record(const kelm_record_type& type) {
+        if (bare_ && frames_.empty()) {
+            frames_.push_back(Frame{&root_, 0, false, root_name_, true});
+            return;
+        }
+        const BerNode* node = next_element(type.record_name);
+        if (node == nullptr)
+            return;
+        if (!(node->tag_class == 0 && node->tag == 16 && node->constructed))
+            return mismatch(*node, "a SEQUENCE was expected");
+        line(*node, "");
+        // The fields of the outermost record are named without a prefix.
+        frames_.push_back(Frame{node, 0, false, frames_.empty() ? "" : path_, false});
+        // The version element INTEGER 1 leads the SEQUENCE of these records, and of each of
+        // their entries.
+        if (version_ && node->children.size() > 0) {
+            const BerNode& version = node->children[0];
+            line(version, value_of(bytes_, version),
+                 (frames_.back().path.empty() ? "" : frames_.back().path + ".") + "(version)");
+            frames_.back().next = 1;
+        }
+    }
+    void end_record() {
+        if (!frames_.empty())
+            frames_.pop_back();
+    }
+    void field(const char* name) {
+        if (frames_.empty())
+            return;
+        const Frame& frame = frames_.back();
+        key_ = frame.bare ? frame.path : frame.path.empty() ? name : frame.path + "." + name;
+    }
+    void begin_list(size_t) {
+        const BerNode* node = next_element("a list");
+        if (node == nullptr)
+            return;
+        if (!(node->tag_class == 0 && node->tag == 16 && node->constructed))
+            return mismatch(*node, "a SEQUENCE OF was expected");
+        line(*node, "");
+        frames_.push_back(Frame{node, 0, true, path_, false});
+    }
+    void end_list() {
+        if (!frames_.empty())
+            frames_.pop_back();
+    }
+    void integer(int64_t) { primitive("an INTEGER"); }
+    void text(const char*) { primitive("a text"); }
+    void octet_text(const char*) { primitive("an OCTET STRING"); }
+    void bytes(const unsigned char*, size_t) { primitive("an OCTET STRING"); }
+    void absent() {
+        if (!ok() || frames_.empty())
+            return;
+        if (frames_.back().list) { // an empty slot: NULL on the wire
+            primitive("a NULL");
+            return;
+        }
+        out_ += "     -  " + std::string(2 * frames_.size(), ' ') + key_ + ": absent (OPTIONAL)\n";
+    }
+
+  private:
+    struct Frame {
+        const BerNode* node;
+        size_t next;
+        bool list;
+        std::string path;
+        bool bare;
+    };
+
+    // The next element of the open record or list, with the path of the value it carries.
+    const BerNode* next_element(const char* what) {
+        if (!ok())
+            return nullptr;
+        if (frames_.empty()) {
+            path_ = root_name_;
+            return &root_;
+        }
+        Frame& frame = frames_.back();
+        if (frame.bare)
+            return (path_ = frame.path, frame.node);
+        if (frame.next >= frame.node->children.size()) {
+            error_ = "offset " + std::to_string(frame.node->end) + ": " + what +
+                     " was expected for " + (frame.list ? frame.path : key_) + ", the element ends";
+            return nullptr;
+        }
+        path_ = frame.list ? frame.path + "[" + std::to_string(frame.next) + "]" : key_;
+        return &frame.node->children[frame.next++];
+    }
+
+    void primitive(const char* what) {
+        const BerNode* node = next_element(what);
+        if (node != nullptr)
+            line(*node, value_of(bytes_, *node));
+    }
+
+    void line(const BerNode& node, const std::string& value, const std::string& label = "") {
+        out_ += offset_column(node.offset) + "  " + std::string(2 * frames_.size(), ' ') +
+                (label.empty() ? path_ : label) + "  " + describe(node) +
+                (value.empty() ? "" : ": " + value) + "\n";
+    }
+
+    void mismatch(const BerNode& node, const std::string& expectation) {
+        error_ = "offset " + std::to_string(node.offset) + ": " + path_ + ": " + expectation +
+                 ", the buffer has " + describe(node);
+    }
+
+    const std::vector<unsigned char>& bytes_;
+    std::string& out_;
+    const BerNode& root_;
+    std::string root_name_;
+    bool bare_;
+    bool version_;
+    std::vector<Frame> frames_;
+    std::string key_;
+    std::string path_;
+    std::string error_;
+};
+
+} // namespace
+
+bool inspect_record(const std::vector<unsigned char>& bytes, const BerNode& tree,
+                    const kelm_record_type& type, const void* record, std::string& out,
+                    std::string& error) {
+    Labeller labeller(bytes, tree, type, out);
+    kelm_record_kinds::write_record(labeller, type, record);
+    error = labeller.error();
+    return labeller.ok();
+}
+
+void inspect_untyped(const std::vector<unsigned char>& bytes, const BerNode& tree,
+                     std::string& out) {
+    untyped(bytes, tree, 0, out);
+}
+
+} // namespace kelmasn_tool

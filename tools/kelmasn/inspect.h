@@ -1,0 +1,28 @@
+// A buffer's element tree with each element labelled by the field of the record it carries.
+#ifndef KELMASN_TOOL_INSPECT_H
+#define KELMASN_TOOL_INSPECT_H
+
+#include <string>
+#include <vector>
+
+#include "asn_record.h"
+#include "ber_tree.h"
+
+namespace kelmasn_tool {
+
+// Appends one line per element of `tree` (the record's element, read from `bytes`) to `out`,
+// labelled with the field path of the record `record` of `type` that the library decoded from
+// it: "attrs[2].values[0].str_value". Absent optional records get a line of their own. Returns
+// false when the tree and the record do not match (then the lines stop there and `error` says
+// where).
+bool inspect_record(const std::vector<unsigned char>& bytes, const BerNode& tree,
+                    const kelm_record_type& type, const void* record, std::string& out,
+                    std::string& error);
+
+// One line per element of `tree`, without labels.
+void inspect_untyped(const std::vector<unsigned char>& bytes, const BerNode& tree,
+                     std::string& out);
+
+} // namespace kelmasn_tool
+
+#endif
