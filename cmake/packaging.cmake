@@ -1,5 +1,6 @@
-# The Debian package: `cmake --build --preset default --target package` makes kelmasn_VERSION_ARCH.deb
-# of everything `cmake --install` puts into a prefix, under /usr. Its version is the project's.
+# The Debian package: `cmake --build --preset default --target package` makes
+# kelmasn_VERSION_ARCH.deb of everything `cmake --install` puts into a prefix, under /usr. Its
+# version is the project's.
 
 # The licence goes with every installed tree, where a Debian package keeps it.
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright)
