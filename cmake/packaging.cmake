@@ -38,7 +38,8 @@ endif()
 
 # The packaged binaries carry no debug information, and with it no path of the machine that built
 # them: the shared library and the tool are stripped, the static library loses its debug sections
-# only (its symbol table is what linking needs).
+# only (its symbol table is what linking needs). A build with sanitizers still names its sources
+# in their instrumentation: the package to ship comes from a build without them.
 set(CPACK_STRIP_FILES ON)
 set(CPACK_KELMASN_STRIP ${CMAKE_STRIP})
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/strip-static-debug.cmake)
