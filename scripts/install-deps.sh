@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
-# Installs what building, testing and benchmarking kelmasn needs on a Debian machine, and
-# nothing when all of it is already there. Safe to run again.
+# Installs what building, testing, benchmarking and packaging kelmasn needs on a Debian machine
+# (dpkg-dev gives dpkg-shlibdeps, which computes the Debian package's dependencies), and nothing
+# when all of it is already there. Safe to run again.
 set -euo pipefail
 packages=(g++ cmake ninja-build pkg-config libgtest-dev libgmock-dev libbenchmark-dev
-          libcli11-dev nlohmann-json3-dev clang libclang-rt-14-dev binutils locales)
+          libcli11-dev nlohmann-json3-dev clang libclang-rt-14-dev binutils locales dpkg-dev)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

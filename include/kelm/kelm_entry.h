@@ -23,4 +23,9 @@ KELM_API void kelm_asn_buffer_copy(const kelm_asn_buffer_t& source, kelm_asn_buf
 // Releases the bytes of `buffer` (when not null). Neither field is reset.
 KELM_API void kelm_asn_buffer_free(kelm_asn_buffer_t& buffer);
 
+// The version of the loaded library, "MAJOR.MINOR.PATCH": KELMASN_VERSION_STRING of the
+// kelmasn_version.h it was built with. A program compares it with the KELMASN_VERSION_* macros
+// of the headers it was compiled against. The text is static; the caller does not release it.
+KELM_API const char* kelmasn_library_version();
+
 #endif

@@ -3,7 +3,8 @@
 # meets it: the libraries with their SONAME and links, exactly the public headers, and a program
 # built against the tree once with pkg-config and the plain compiler and once through
 # find_package(kelmasn) in a CMake project of its own. Both programs must print the expected
-# text.
+# text, which ends with the version of the library they run with and of the headers they were
+# compiled against.
 #
 # usage: check-install.sh SOURCE_DIR BUILD_DIR WORK_DIR CXX GENERATOR VERSION
 set -euo pipefail
@@ -22,7 +23,8 @@ fail() {
 }
 
 expected_output="length 256, definite 1, 0 bytes left
-buffer holds 5 bytes: 04 6B 65 6C 6D"
+buffer holds 5 bytes: 04 6B 65 6C 6D
+library $version, headers $version"
 
 check_output() { # name, program
   local got
@@ -62,14 +64,21 @@ for f in kelmasnConfig.cmake kelmasnConfigVersion.cmake kelmasnTargets.cmake; do
 done
 echo "ok: shared library with SONAME and links, static library, CMake package, pkg-config file"
 
-# Exactly the headers of the committed list, flat.
-expected_headers=$(grep -v '^#' "$source_dir/src/installed-headers.txt" | xargs -n1 basename | sort)
+# Exactly the headers of the committed list, flat: those of the source tree and those the build
+# generates ("generated: PATH").
+expected_headers=$(grep -v '^#' "$source_dir/src/installed-headers.txt" | sed 's/^generated: *//' |
+  xargs -n1 basename | sort)
 installed_headers=$(cd "$prefix/include/kelm" && ls | sort)
 [ "$installed_headers" = "$expected_headers" ] || fail "installed headers:
 $installed_headers
 expected:
 $expected_headers"
 echo "ok: $(echo "$installed_headers" | wc -l) headers in include/kelm"
+
+# The generated version header carries the version the build was configured with.
+grep -qx "#define KELMASN_VERSION_STRING \"$version\"" "$prefix/include/kelm/kelmasn_version.h" ||
+  fail "kelmasn_version.h does not define KELMASN_VERSION_STRING as \"$version\""
+echo "ok: kelmasn_version.h gives version $version"
 
 # Each installed header compiles on its own from the prefix: none reaches a header that is not
 # installed.

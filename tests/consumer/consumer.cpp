@@ -1,5 +1,6 @@
 // A program outside the project that uses the installed library: it reads a long-form length with
-// the DER inspection functions and fills an output buffer, and prints what it got.
+// the DER inspection functions and fills an output buffer, and prints what it got, then the
+// version of the library it runs with and of the headers it was compiled against.
 #include <cstdio>
 
 #include <kelm/kelmasn.h>
@@ -24,5 +25,7 @@ int main() {
     for (unsigned int i = 0; i < buffer.used(); ++i)
         std::printf(" %02X", buffer.cursor[i]);
     std::printf("\n");
+
+    std::printf("library %s, headers %s\n", kelmasn_library_version(), KELMASN_VERSION_STRING);
     return 0;
 }

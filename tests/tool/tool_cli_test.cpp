@@ -153,7 +153,7 @@ TEST(ToolCommandLine, HelpDescribesTheSubcommands) {
 TEST(ToolCommandLine, VersionPrintsTheLibrarysVersion) {
     const ToolRun run = run_tool("--version");
     EXPECT_EQ(run.exit_code, 0);
-    EXPECT_EQ(run.out, std::string("kelmasn ") + KELMASN_PROJECT_VERSION + "\n");
+    EXPECT_EQ(run.out, std::string("kelmasn ") + KELMASN_CONFIGURED_VERSION + "\n");
 }
 
 // Every name that `types` lists for a type is accepted as TYPE and gives the same bytes.
