@@ -834,7 +834,7 @@ int run_inspect(const std::string& path, const std::string& type_name) {
 int main(int argc, char** argv) {
     CLI::App app{"kelmasn: inspect and convert the library's ASN.1 encodings.\n"
                  "Exit status: 0 success, 1 the input is refused, 2 usage."};
-    app.set_version_flag("--version", std::string("kelmasn ") + KELMASN_TOOL_VERSION,
+    app.set_version_flag("--version", std::string("kelmasn ") + kelmasn_library_version(),
                          "print the library's version and exit");
     app.name("kelmasn");
     app.require_subcommand(1);
