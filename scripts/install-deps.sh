@@ -4,7 +4,8 @@
 # when all of it is already there. Safe to run again.
 set -euo pipefail
 packages=(g++ cmake ninja-build pkg-config libgtest-dev libgmock-dev libbenchmark-dev
-          libcli11-dev nlohmann-json3-dev clang libclang-rt-14-dev binutils locales dpkg-dev)
+          libcli11-dev nlohmann-json3-dev clang libclang-rt-14-dev binutils locales dpkg-dev
+          help2man)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

@@ -389,3 +389,38 @@ TEST(ToolDecodeAuto, ABufferThatNoTypeDecodesExitsOne) {
     EXPECT_EQ(run.err, "kelmasn: " + path + ": no record type decodes this buffer\n");
     std::remove(path.c_str());
 }
+
+TEST(ToolManual, TheManualPageDescribesEverySubcommandAndTheExitStatus) {
+    const std::string page = read_file(KELMASN_MAN_PAGE);
+    ASSERT_FALSE(page.empty()) << KELMASN_MAN_PAGE;
+    EXPECT_NE(page.find(".TH KELMASN"), std::string::npos);
+    for (const char* subcommand : {"der", "types", "decode", "encode", "inspect", "check", "canon",
+                                   "diff", "craft", "sample", "str"})
+        EXPECT_NE(page.find(std::string(".SS ") + subcommand + "\n"), std::string::npos)
+            << subcommand;
+    EXPECT_NE(page.find("EXIT STATUS"), std::string::npos);
+}
+
+// The completions that bash offers for the words typed so far (the last one being completed).
+std::string completions(const std::string& words) {
+    const std::string tool_dir = std::string(KELMASN_TOOL);
+    const std::string script = std::string(KELMASN_TOOL_SOURCE_DIR) + "/kelmasn.bash";
+    const std::string out = temp_path("completion");
+    const std::string command = "PATH=\"" + tool_dir.substr(0, tool_dir.rfind('/')) +
+                                ":$PATH\" bash -c 'source \"" + script + "\"; COMP_WORDS=(" +
+                                words + "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); " +
+                                "_kelmasn; echo \"${COMPREPLY[*]}\"' >'" + out + "' 2>&1";
+    EXPECT_EQ(std::system(command.c_str()), 0);
+    const std::string text = read_file(out);
+    std::remove(out.c_str());
+    return text;
+}
+
+TEST(ToolCompletion, BashCompletesSubcommandsOptionsTypesAndCodeSets) {
+    EXPECT_EQ(completions("kelmasn ins"), "inspect\n");
+    EXPECT_EQ(completions("kelmasn decode --allow"), "--allow-trailing\n");
+    EXPECT_NE(completions("kelmasn decode attrl").find("attrlist_s_t"), std::string::npos);
+    EXPECT_NE(completions("kelmasn inspect x.der --type ekobj_upd").find("ekobj_update_list_s_t"),
+              std::string::npos);
+    EXPECT_EQ(completions("kelmasn str --from t"), "t61\n");
+}

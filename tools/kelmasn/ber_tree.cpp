@@ -87,6 +87,10 @@ bool parse_ber(const std::vector<unsigned char>& bytes, size_t offset, unsigned 
     }
     node.identifier.assign(bytes.begin() + static_cast<long>(offset),
                            bytes.begin() + static_cast<long>(at));
+    // X.690 8.1.5: the octets 00 00 end the contents of an indefinite length and stand nowhere
+    // else; read as an element, [UNIVERSAL 0] would end an indefinite form written around it.
+    if (node.tag_class == 0 && node.tag == 0)
+        return fail(error, offset, "end-of-contents octets outside an indefinite length");
     if (at >= bytes.size())
         return fail(error, at, "length octets run past the end");
     const unsigned char length_first = bytes[at++];
