@@ -1,6 +1,7 @@
 // Properties of the tool's BER tree, writers, check and inspect.
 #include "ber_tree_properties.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <vector>
 
@@ -29,8 +30,10 @@ std::string check_ber_tree(const uint8_t* data, size_t size) {
     if (size < 1)
         return "";
     const std::vector<unsigned char> bytes(data + 1, data + size);
-    const size_t start =
-        bytes.size() >= 4 && bytes[0] == 0x04 && bytes[2] == 0xAC && bytes[3] == 0xDC ? 4 : 0;
+    // The header's first octet gives its length, as the library reads it.
+    const size_t start = bytes.size() >= 4 && bytes[0] != 0 && bytes[2] == 0xAC && bytes[3] == 0xDC
+                             ? std::min<size_t>(bytes[0], bytes.size())
+                             : 0;
     BerNode tree;
     std::string error;
     if (!kelmasn_tool::parse_ber(bytes, start, KELM_ASN_MAX_NESTING, tree, error))

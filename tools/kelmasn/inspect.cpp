@@ -146,7 +146,12 @@ class Labeller {
     }
     void integer(int64_t) { primitive("an INTEGER"); }
     void text(const char*) { primitive("a text"); }
-    void octet_text(const char*) { primitive("an OCTET STRING"); }
+    void octet_text(const char*) {
+        const BerNode* node = primitive("an OCTET STRING");
+        if (node != nullptr)
+            octet_text_lengths_.push_back(node->contents_length);
+    }
+    const std::vector<size_t>& octet_text_lengths() const { return octet_text_lengths_; }
     void bytes(const unsigned char*, size_t) { primitive("an OCTET STRING"); }
     void absent() {
         if (!ok() || frames_.empty())
@@ -187,10 +192,11 @@ class Labeller {
         return &frame.node->children[frame.next++];
     }
 
-    void primitive(const char* what) {
+    const BerNode* primitive(const char* what) {
         const BerNode* node = next_element(what);
         if (node != nullptr)
             line(*node, value_of(bytes_, *node));
+        return node;
     }
 
     void line(const BerNode& node, const std::string& value, const std::string& label = "") {
@@ -211,6 +217,7 @@ class Labeller {
     bool bare_;
     bool version_;
     std::vector<Frame> frames_;
+    std::vector<size_t> octet_text_lengths_;
     std::string key_;
     std::string path_;
     std::string error_;
@@ -224,6 +231,16 @@ bool inspect_record(const std::vector<unsigned char>& bytes, const BerNode& tree
     Labeller labeller(bytes, tree, type, out);
     kelm_record_kinds::write_record(labeller, type, record);
     error = labeller.error();
+    return labeller.ok();
+}
+
+bool octet_text_lengths(const std::vector<unsigned char>& bytes, const BerNode& tree,
+                        const kelm_record_type& type, const void* record,
+                        std::vector<size_t>& lengths) {
+    std::string discarded;
+    Labeller labeller(bytes, tree, type, discarded);
+    kelm_record_kinds::write_record(labeller, type, record);
+    lengths = labeller.octet_text_lengths();
     return labeller.ok();
 }
 

@@ -19,6 +19,13 @@ bool inspect_record(const std::vector<unsigned char>& bytes, const BerNode& tree
                     const kelm_record_type& type, const void* record, std::string& out,
                     std::string& error);
 
+// The contents lengths of the OCTET STRINGs that the record's texts kept with their NUL came from,
+// in the order of the record's fields (see inspect_record for the arguments). False when the
+// tree and the record do not match.
+bool octet_text_lengths(const std::vector<unsigned char>& bytes, const BerNode& tree,
+                        const kelm_record_type& type, const void* record,
+                        std::vector<size_t>& lengths);
+
 // One line per element of `tree`, without labels.
 void inspect_untyped(const std::vector<unsigned char>& bytes, const BerNode& tree,
                      std::string& out);

@@ -1,8 +1,6 @@
 // Records as JSON, driven by the record types' field tables.
 #include "json_records.h"
 
-#include <malloc.h>
-
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -27,14 +25,6 @@ std::string hex(const unsigned char* bytes, size_t n) {
     return out;
 }
 
-// A text kept in an OCTET STRING comes back without a NUL when the stored value had none (kept so
-// for existing buffers): it is read no further than its own heap block.
-json octet_text_json(const char* text) {
-    if (text == nullptr)
-        return nullptr;
-    return json(std::string(text, strnlen(text, malloc_usable_size(const_cast<char*>(text)))));
-}
-
 // Builds the JSON of a record from the kinds' walk: objects for records, arrays for lists.
 class JsonWriter {
   public:
@@ -56,7 +46,20 @@ class JsonWriter {
         else
             put(value);
     }
-    void octet_text(const char* value) { put(octet_text_json(value)); }
+    // A text kept in an OCTET STRING comes back without a NUL when the stored value had none (kept
+    // so for existing buffers): it is read no further than the OCTET STRING it came from.
+    void octet_text(const char* value) {
+        const std::vector<size_t>* lengths = options_.octet_text_lengths;
+        const size_t bound = lengths != nullptr && next_octet_text_ < lengths->size()
+                                 ? (*lengths)[next_octet_text_]
+                                 : static_cast<size_t>(-1);
+        ++next_octet_text_;
+        if (value == nullptr)
+            put(nullptr);
+        else
+            put(bound == static_cast<size_t>(-1) ? std::string(value)
+                                                 : std::string(value, strnlen(value, bound)));
+    }
     void bytes(const unsigned char* data, size_t n) { put(hex(data, n)); }
     void absent() { put(nullptr); }
     void begin_record(const kelm_record_type&) { open(json::object()); }
@@ -87,6 +90,7 @@ class JsonWriter {
     }
 
     const JsonOptions& options_;
+    size_t next_octet_text_ = 0;
     std::vector<Level> levels_;
     json result_;
 };

@@ -8,6 +8,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
@@ -30,6 +31,10 @@ struct JsonOptions {
     // write them) and the JSON's in UTF-8: each text is converted, and one that the local code
     // set cannot hold is an error. Null: texts are UTF-8 on both sides.
     const LocalText* local = nullptr;
+    // The lengths of the OCTET STRINGs that the record's texts kept with their NUL came from, in
+    // the order of the record's fields: a text that came without its NUL is read no further.
+    // Null: such texts are read up to their NUL (records that the tool built itself).
+    const std::vector<size_t>* octet_text_lengths = nullptr;
 };
 
 nlohmann::ordered_json record_to_json(const kelm_record_type& type, const void* record,

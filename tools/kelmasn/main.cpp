@@ -97,6 +97,15 @@ std::string status_line(unsigned int status) {
     return std::string("status ") + code + " (" + kelm_asn_status_text(status) + ")";
 }
 
+// The offset of the record in a buffer: after the header (its first octet gives its length, 4
+// for the header 04 vv AC DC that the library writes) when the magic octets AC DC are there, else
+// 0.
+size_t record_offset(const std::vector<unsigned char>& bytes) {
+    if (bytes.size() < 4 || bytes[0] == 0 || bytes[2] != 0xAC || bytes[3] != 0xDC)
+        return 0;
+    return std::min<size_t>(bytes[0], bytes.size());
+}
+
 // A record type as the tool reaches it: through the record mechanism, or by its type code.
 struct ToolType {
     const kelm_record_type* type;
@@ -269,7 +278,7 @@ bool check_trailing(const std::string& path, std::vector<unsigned char> bytes,
         return true;
     size_t end = 0;
     kelmasn_tool::DumpError error{0, ""};
-    if (!kelmasn_tool::element_end(bytes, 4, end, error) || end >= bytes.size())
+    if (!kelmasn_tool::element_end(bytes, record_offset(bytes), end, error) || end >= bytes.size())
         return true;
     complain(path + ": " + std::to_string(bytes.size() - end) +
              " bytes after the record, from offset " + std::to_string(end) +
@@ -281,6 +290,20 @@ bool check_trailing(const std::string& path, std::vector<unsigned char> bytes,
 int usage_error(const std::string& message) {
     std::fprintf(stderr, "kelmasn: %s (kelmasn --help describes the usage)\n", message.c_str());
     return 2;
+}
+
+// The JSON of a record that the library decoded from `bytes`: the texts it keeps with their NUL
+// are read no further than the OCTET STRINGs they came from.
+nlohmann::ordered_json decoded_json(const ToolType& type, const void* record,
+                                    const std::vector<unsigned char>& bytes,
+                                    kelmasn_tool::JsonOptions options = {}) {
+    std::vector<size_t> lengths;
+    kelmasn_tool::BerNode tree;
+    std::string error;
+    if (kelmasn_tool::parse_ber(bytes, record_offset(bytes), KELM_ASN_MAX_NESTING, tree, error) &&
+        kelmasn_tool::octet_text_lengths(bytes, tree, *type.type, record, lengths))
+        options.octet_text_lengths = &lengths;
+    return kelmasn_tool::record_to_json(*type.type, record, options);
 }
 
 // Every record type, the typed ones first.
@@ -335,7 +358,7 @@ int run_decode_auto(const std::string& path, const RecordOptions& options) {
     RecordStorage record(exact[0]);
     kelm_asn_buffer_t in{bytes.size(), bytes.data()};
     decode_record(exact[0], record.bytes, in, options.version, false);
-    std::cout << kelmasn_tool::record_to_json(*exact[0].type, record.bytes)
+    std::cout << decoded_json(exact[0], record.bytes, bytes)
                      .dump(2, ' ', false, nlohmann::json::error_handler_t::replace)
               << "\n";
     return 0;
@@ -372,7 +395,7 @@ int run_decode(const std::string& type_name, const std::string& path,
         return 1;
     kelmasn_tool::JsonOptions json_options;
     json_options.local = local.get();
-    std::cout << kelmasn_tool::record_to_json(*type->type, record.bytes, json_options)
+    std::cout << decoded_json(*type, record.bytes, bytes, json_options)
                      .dump(2, ' ', false, nlohmann::json::error_handler_t::replace)
               << "\n";
     return 0;
@@ -520,11 +543,6 @@ int run_str(const std::string& from, const std::string& to, const std::string& t
 
 // --- check, canon, craft, diff ---------------------------------------------------------------
 
-// The offset of the record in a buffer: 4 after the header 04 vv AC DC, else 0.
-size_t record_offset(const std::vector<unsigned char>& bytes) {
-    return bytes.size() >= 4 && bytes[0] == 0x04 && bytes[2] == 0xAC && bytes[3] == 0xDC ? 4 : 0;
-}
-
 // The type named for check, canon and diff: the one given, or the best that decode auto finds.
 // Null with the message written when there is none.
 const ToolType* type_for(const std::string& type_name, const std::vector<unsigned char>& bytes,
@@ -577,6 +595,9 @@ bool buffer_findings(const std::vector<unsigned char>& bytes, const std::string&
     const size_t start = record_offset(bytes);
     if (start == 0)
         findings.push_back("offset 0: no header 04 vv AC DC");
+    else if (start != 4)
+        findings.push_back("offset 0: a header of " + std::to_string(start) +
+                           " octets, where the library writes 4");
     kelmasn_tool::BerNode node;
     std::string error;
     if (!kelmasn_tool::parse_ber(bytes, start, KELM_ASN_MAX_NESTING, node, error))
@@ -745,7 +766,7 @@ int run_diff(const std::string& first, const std::string& second, const std::str
         if (status != 0)
             return complain(paths[i] + ": cannot decode " + type->type->record_name + ": " +
                             status_line(status));
-        records[i] = kelmasn_tool::record_to_json(*type->type, record.bytes);
+        records[i] = decoded_json(*type, record.bytes, bytes);
     }
     std::vector<std::string> differences;
     json_differences(records[0], records[1], "", differences);
@@ -763,8 +784,8 @@ int run_inspect(const std::string& path, const std::string& type_name) {
     if (!read_input(path, bytes, error))
         return complain(error);
     const size_t start = record_offset(bytes);
-    if (start == 4)
-        std::printf("%6u  header: length 4, version %u, magic AC DC\n", 0u, bytes[1]);
+    if (start != 0)
+        std::printf("%6u  header: length %zu, version %u, magic AC DC\n", 0u, start, bytes[1]);
     else
         std::printf("     -  no header 04 vv AC DC\n");
     kelmasn_tool::BerNode tree;
