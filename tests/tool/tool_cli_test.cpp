@@ -424,3 +424,41 @@ TEST(ToolCompletion, BashCompletesSubcommandsOptionsTypesAndCodeSets) {
               std::string::npos);
     EXPECT_EQ(completions("kelmasn str --from t"), "t61\n");
 }
+
+TEST(ToolInputFormat, HexAndBase64GiveTheSameRecordAsRawBytes) {
+    const std::string der = std::string(KELMASN_EXAMPLES) + "/der/attr_s_t.der";
+    const ToolRun raw = run_tool("decode attr_s_t '" + der + "'");
+    ASSERT_EQ(raw.exit_code, 0) << raw.err;
+    // The same buffer written out by od and by base64 (GNU coreutils), independently of the tool.
+    const std::string hex = temp_path("buffer.hex");
+    const std::string b64 = temp_path("buffer.b64");
+    ASSERT_EQ(std::system(("od -An -tx1 -v '" + der + "' >'" + hex + "'").c_str()), 0);
+    ASSERT_EQ(std::system(("base64 '" + der + "' >'" + b64 + "'").c_str()), 0);
+    for (const std::string& args : {"decode attr_s_t '" + hex + "' --in-format hex",
+                                    "decode attr_s_t '" + b64 + "' --in-format base64",
+                                    std::string("decode attr_s_t - --in-format base64")}) {
+        SCOPED_TRACE(args);
+        const ToolRun run = run_tool(args, "", b64);
+        EXPECT_EQ(run.exit_code, 0) << run.err;
+        EXPECT_EQ(run.out, raw.out);
+    }
+    const ToolRun inspected = run_tool("inspect '" + hex + "' --in-format hex --type attr_s_t");
+    EXPECT_EQ(inspected.exit_code, 0) << inspected.err;
+    std::remove(hex.c_str());
+    std::remove(b64.c_str());
+}
+
+TEST(ToolInputFormat, InputThatIsNotOfItsFormatGivesOneLineAndExitOne) {
+    const std::string path = temp_path("bad.txt");
+    write_file(path, std::string("30 0G"));
+    ToolRun run = run_tool("der '" + path + "' --in-format hex");
+    EXPECT_EQ(run.exit_code, 1);
+    EXPECT_EQ(run.err, "kelmasn: " + path + ": not hex digits (--in-format hex)\n");
+    write_file(path, std::string("MAA*"));
+    run = run_tool("der '" + path + "' --in-format base64");
+    EXPECT_EQ(run.exit_code, 1);
+    EXPECT_EQ(run.err, "kelmasn: " + path + ": not base64 (--in-format base64)\n");
+    run = run_tool("der '" + path + "' --in-format octal");
+    EXPECT_EQ(run.exit_code, 2);
+    std::remove(path.c_str());
+}

@@ -28,6 +28,9 @@
 #include <vector>
 
 #include <CLI/CLI.hpp>
+extern "C" { // libb64's C header declares its functions without C linkage
+#include <b64/cdecode.h>
+}
 #include <nlohmann/json.hpp>
 
 #include "ber_tree.h"
@@ -83,6 +86,50 @@ bool read_input(const std::string& path, std::vector<unsigned char>& bytes, std:
         error = "cannot read " + name + ": " + e.what();
         return false;
     }
+    return true;
+}
+
+// How buffers are given: raw bytes, hex digits or base64 (--in-format).
+std::string g_in_format = "raw";
+
+// Reads a buffer as read_input does, then decodes it from hex or base64 when --in-format says so.
+bool read_buffer(const std::string& path, std::vector<unsigned char>& bytes, std::string& error) {
+    if (!read_input(path, bytes, error))
+        return false;
+    if (g_in_format == "raw")
+        return true;
+    std::string text(bytes.begin(), bytes.end());
+    std::string compact;
+    for (const char c : text)
+        if (!std::isspace(static_cast<unsigned char>(c)))
+            compact += c;
+    if (g_in_format == "hex") {
+        bytes.clear();
+        for (size_t i = 0; i + 1 < compact.size() || i < compact.size(); i += 2) {
+            if (i + 1 >= compact.size() || !std::isxdigit(static_cast<unsigned char>(compact[i])) ||
+                !std::isxdigit(static_cast<unsigned char>(compact[i + 1]))) {
+                error = path + ": not hex digits (--in-format hex)";
+                return false;
+            }
+            bytes.push_back(
+                static_cast<unsigned char>(std::stoi(compact.substr(i, 2), nullptr, 16)));
+        }
+        return true;
+    }
+    // base64 (RFC 4648, section 4), with libb64.
+    const bool alphabet = std::all_of(compact.begin(), compact.end(), [](char c) {
+        return std::isalnum(static_cast<unsigned char>(c)) || c == '+' || c == '/' || c == '=';
+    });
+    if (!alphabet || compact.size() % 4 != 0) {
+        error = path + ": not base64 (--in-format base64)";
+        return false;
+    }
+    std::vector<char> plain(compact.size() / 4 * 3 + 3);
+    base64_decodestate state;
+    base64_init_decodestate(&state);
+    const int n =
+        base64_decode_block(compact.data(), static_cast<int>(compact.size()), plain.data(), &state);
+    bytes.assign(plain.begin(), plain.begin() + n);
     return true;
 }
 
@@ -167,7 +214,7 @@ unsigned int decode_record(const ToolType& t, void* record, kelm_asn_buffer_t& i
 int run_der(const std::string& path) {
     std::vector<unsigned char> bytes;
     std::string error;
-    if (!read_input(path, bytes, error))
+    if (!read_buffer(path, bytes, error))
         return complain(error);
     std::string out;
     kelmasn_tool::DumpError failure{0, ""};
@@ -325,7 +372,7 @@ std::vector<ToolType> all_types() {
 int run_decode_auto(const std::string& path, const RecordOptions& options) {
     std::vector<unsigned char> bytes;
     std::string error;
-    if (!read_input(path, bytes, error))
+    if (!read_buffer(path, bytes, error))
         return complain(error);
     std::vector<ToolType> exact, decodes;
     for (const ToolType& type : all_types()) {
@@ -380,7 +427,7 @@ int run_decode(const std::string& type_name, const std::string& path,
         return 1;
     std::vector<unsigned char> bytes;
     std::string error;
-    if (!read_input(path, bytes, error))
+    if (!read_buffer(path, bytes, error))
         return complain(error);
     RecordStorage record(*type);
     if (record.bytes == nullptr)
@@ -627,7 +674,7 @@ bool buffer_findings(const std::vector<unsigned char>& bytes, const std::string&
 int run_check(const std::string& path, const std::string& type_name) {
     std::vector<unsigned char> bytes;
     std::string error;
-    if (!read_input(path, bytes, error))
+    if (!read_buffer(path, bytes, error))
         return complain(error);
     ToolType found{nullptr, 0};
     const ToolType* type = nullptr;
@@ -646,7 +693,7 @@ int run_check(const std::string& path, const std::string& type_name) {
 int run_canon(const std::string& path, const std::string& type_name, const std::string& output) {
     std::vector<unsigned char> bytes;
     std::string error;
-    if (!read_input(path, bytes, error))
+    if (!read_buffer(path, bytes, error))
         return complain(error);
     ToolType found{nullptr, 0};
     const ToolType* type = type_for(type_name, bytes, path, found);
@@ -751,7 +798,7 @@ int run_diff(const std::string& first, const std::string& second, const std::str
     for (int i = 0; i < 2; ++i) {
         std::vector<unsigned char> bytes;
         std::string error;
-        if (!read_input(paths[i], bytes, error))
+        if (!read_buffer(paths[i], bytes, error))
             return complain(error);
         ToolType found{nullptr, 0};
         const ToolType* type = type_for(type_name, bytes, paths[i], found);
@@ -781,7 +828,7 @@ int run_diff(const std::string& first, const std::string& second, const std::str
 int run_inspect(const std::string& path, const std::string& type_name) {
     std::vector<unsigned char> bytes;
     std::string error;
-    if (!read_input(path, bytes, error))
+    if (!read_buffer(path, bytes, error))
         return complain(error);
     const size_t start = record_offset(bytes);
     if (start != 0)
@@ -973,6 +1020,12 @@ int main(int argc, char** argv) {
         ->check(CLI::Range(0, 255));
     craft->add_option("--truncate", craft_options.truncate, "keep only the first N bytes")
         ->check(CLI::NonNegativeNumber);
+
+    for (CLI::App* reads_a_buffer : {der, decode, inspect, check, canon, diff})
+        reads_a_buffer
+            ->add_option("--in-format", g_in_format,
+                         "how the buffer is given: raw bytes (default), hex digits or base64")
+            ->check(CLI::IsMember({"raw", "hex", "base64"}));
 
     // "kelmasn help [SUBCOMMAND]" is --help; any other first word must be a subcommand.
     if (argc >= 2 && std::strcmp(argv[1], "help") == 0) {
