@@ -59,23 +59,34 @@ std::string check_ber_tree(const uint8_t* data, size_t size) {
         if (written(variant, read, BerForm()) != der)
             return "a BER variant does not write back to the DER form";
     }
-    // inspect labels every element of what the library decodes.
-    unsigned int typed = 0;
+    // inspect labels every element of what the library decodes, for the types reached by type
+    // code too.
+    unsigned int typed = 0, by_code = 0;
     const kelm_record_type* const* types = kelm_record_types(typed);
-    const kelm_record_type& type = *types[data[0] % typed];
+    const kelm_type_code_type* codes = kelm_type_code_types(by_code);
+    const unsigned int pick = data[0] % (typed + by_code);
+    const kelm_record_type& type = pick < typed ? *types[pick] : *codes[pick - typed].type;
+    const unsigned int code = pick < typed ? 0 : codes[pick - typed].code;
     void* record = std::calloc(1, type.record_size);
     if (record == nullptr)
         return "";
-    kelm_asn_buffer_t in{bytes.size(), const_cast<unsigned char*>(bytes.data())};
+    std::vector<unsigned char> input = bytes;
+    kelm_asn_buffer_t in{input.size(), input.data()};
+    const int version = bytes.size() > 1 ? bytes[1] : 2;
+    const unsigned int status =
+        code != 0 ? kelmasn_decode_obj(version, in, code, record)
+                  : kelm_asn_record::decode(type, record, in, version, KELM_SECURITY_PLAIN);
     std::string result;
-    if (kelm_asn_record::decode(type, record, in, bytes.size() > 1 ? bytes[1] : 2,
-                                KELM_SECURITY_PLAIN) == 0) {
+    if (status == 0) {
         std::string out;
         if (!kelmasn_tool::inspect_record(bytes, tree, type, record, out, error))
             result = std::string("inspect cannot label a buffer that decodes as ") +
                      type.record_name + ": " + error;
     }
-    kelm_asn_record::free_record(type, record);
+    if (code != 0)
+        kelmasn_obj_free(version, code, record);
+    else
+        kelm_asn_record::free_record(type, record);
     std::free(record);
     return result;
 }

@@ -152,7 +152,17 @@ class Labeller {
             octet_text_lengths_.push_back(node->contents_length);
     }
     const std::vector<size_t>& octet_text_lengths() const { return octet_text_lengths_; }
-    void bytes(const unsigned char*, size_t) { primitive("an OCTET STRING"); }
+    void bytes(const unsigned char*, size_t n) {
+        // An empty byte array that the SEQUENCE leaves out at its end is an absent OPTIONAL OCTET
+        // STRING (the body of a certificate request).
+        if (n == 0 && ok() && !frames_.empty() && !frames_.back().list && !frames_.back().bare &&
+            frames_.back().next >= frames_.back().node->children.size()) {
+            out_ +=
+                "     -  " + std::string(2 * frames_.size(), ' ') + key_ + ": absent (OPTIONAL)\n";
+            return;
+        }
+        primitive("an OCTET STRING");
+    }
     void absent() {
         if (!ok() || frames_.empty())
             return;

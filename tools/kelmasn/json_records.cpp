@@ -50,9 +50,9 @@ class JsonWriter {
     // so for existing buffers): it is read no further than the OCTET STRING it came from.
     void octet_text(const char* value) {
         const std::vector<size_t>* lengths = options_.octet_text_lengths;
-        const size_t bound = lengths != nullptr && next_octet_text_ < lengths->size()
-                                 ? (*lengths)[next_octet_text_]
-                                 : static_cast<size_t>(-1);
+        const size_t bound = lengths == nullptr                   ? static_cast<size_t>(-1)
+                             : next_octet_text_ < lengths->size() ? (*lengths)[next_octet_text_]
+                                                                  : 0;
         ++next_octet_text_;
         if (value == nullptr)
             put(nullptr);

@@ -32,8 +32,9 @@ struct JsonOptions {
     // set cannot hold is an error. Null: texts are UTF-8 on both sides.
     const LocalText* local = nullptr;
     // The lengths of the OCTET STRINGs that the record's texts kept with their NUL came from, in
-    // the order of the record's fields: a text that came without its NUL is read no further.
-    // Null: such texts are read up to their NUL (records that the tool built itself).
+    // the order of the record's fields: a text that came without its NUL is read no further, and
+    // one past the lengths given not at all. Null: such texts are read up to their NUL (records
+    // that the tool built itself).
     const std::vector<size_t>* octet_text_lengths = nullptr;
 };
 

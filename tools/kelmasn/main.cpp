@@ -347,9 +347,11 @@ nlohmann::ordered_json decoded_json(const ToolType& type, const void* record,
     std::vector<size_t> lengths;
     kelmasn_tool::BerNode tree;
     std::string error;
-    if (kelmasn_tool::parse_ber(bytes, record_offset(bytes), KELM_ASN_MAX_NESTING, tree, error) &&
-        kelmasn_tool::octet_text_lengths(bytes, tree, *type.type, record, lengths))
-        options.octet_text_lengths = &lengths;
+    // Even where the tree and the record part ways, the lengths found before are right, and a
+    // text past them is read no further than nothing.
+    if (kelmasn_tool::parse_ber(bytes, record_offset(bytes), KELM_ASN_MAX_NESTING, tree, error))
+        kelmasn_tool::octet_text_lengths(bytes, tree, *type.type, record, lengths);
+    options.octet_text_lengths = &lengths;
     return kelmasn_tool::record_to_json(*type.type, record, options);
 }
 
