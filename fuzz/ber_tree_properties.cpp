@@ -82,6 +82,10 @@ std::string check_ber_tree(const uint8_t* data, size_t size) {
         if (!kelmasn_tool::inspect_record(bytes, tree, type, record, out, error))
             result = std::string("inspect cannot label a buffer that decodes as ") +
                      type.record_name + ": " + error;
+        const std::string mismatch = kelmasn_tool::first_mismatch(bytes, tree, type);
+        if (result.empty() && !mismatch.empty())
+            result = std::string("a buffer that decodes as ") + type.record_name +
+                     " does not fit its shape: " + mismatch;
     }
     if (code != 0)
         kelmasn_obj_free(version, code, record);

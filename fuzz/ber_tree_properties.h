@@ -13,7 +13,8 @@ namespace kelmasn_fuzz {
 // header included. Whatever parses as an element tree: its DER form parses again, has nothing
 // that check reports, and is a fixed point of writing; each BER variant of it (indefinite
 // lengths, long lengths, strings cut into pieces) parses and writes back to the same DER. When
-// the library decodes the buffer as the picked type, inspect labels every element of the tree.
+// the library decodes the buffer as the picked type, inspect labels every element of the tree and
+// the tree fits the type's shape.
 // Returns an empty string when every property holds, else what broke.
 std::string check_ber_tree(const uint8_t* data, size_t size);
 

@@ -65,7 +65,9 @@ TEST_F(ToolInspect, ABufferOfAnotherTypeShowsTheTreeAndTheLibrarysStatus) {
     EXPECT_EQ(run.exit_code, 1);
     EXPECT_EQ(line_count(run.out), 8u) << run.out;
     EXPECT_EQ(run.err, "kelmasn: " + path_ + ": does not decode as value_s_t: status " +
-                           "0x106521a4 (unexpected tag)\n");
+                           "0x106521a4 (unexpected tag); the first element that does not fit: " +
+                           "offset 6: value_type: an INTEGER was expected, the buffer has " +
+                           "UTF8String, length 1\n");
 }
 
 TEST(ToolInspectOptional, AnAbsentOptionalRecordHasALineOfItsOwn) {
@@ -98,6 +100,34 @@ TEST(ToolInspectInput, GarbageEmptyTruncatedAndMissingInputGiveOneLineAndExitOne
     const ToolRun missing = run_tool("inspect '" + path + "'");
     EXPECT_EQ(missing.exit_code, 1);
     EXPECT_EQ(line_count(missing.err), 1u) << missing.err;
+}
+
+} // namespace
+
+namespace {
+
+TEST(ToolDecodeErrors, AnErrorNamesTheFirstElementThatDoesNotFitWithItsOffsetAndField) {
+    const std::string attr = std::string(KELMASN_EXAMPLES) + "/der/attr_s_t.der";
+    ToolRun run = run_tool("decode value_s_t '" + attr + "'");
+    EXPECT_EQ(run.exit_code, 1);
+    EXPECT_EQ(run.err, "kelmasn: " + attr +
+                           ": cannot decode value_s_t: status 0x106521a4 (unexpected tag); the "
+                           "first element that does not fit: offset 6: value_type: an INTEGER "
+                           "was expected, the buffer has UTF8String, length 6\n");
+    // value_t { 1 } and nothing more: the text is missing where the SEQUENCE ends.
+    const std::string cut = temp_path("cut.der");
+    write_file(cut,
+               std::vector<unsigned char>{0x04, 0x02, 0xAC, 0xDC, 0x30, 0x03, 0x02, 0x01, 0x01});
+    run = run_tool("decode value_s_t '" + cut + "'");
+    EXPECT_EQ(run.exit_code, 1);
+    EXPECT_NE(run.err.find("offset 9: str_value: a text was expected, the element ends"),
+              std::string::npos)
+        << run.err;
+    run = run_tool("inspect '" + cut + "' --type value_s_t");
+    EXPECT_EQ(run.exit_code, 1);
+    EXPECT_NE(run.err.find("offset 9: str_value: a text was expected"), std::string::npos)
+        << run.err;
+    std::remove(cut.c_str());
 }
 
 } // namespace

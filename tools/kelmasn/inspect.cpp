@@ -3,6 +3,7 @@
 #include "inspect.h"
 
 #include <cstdio>
+#include <cstdlib>
 
 #include "asn_record_kinds.h"
 #include "der_dump.h"
@@ -233,6 +234,153 @@ class Labeller {
     std::string error_;
 };
 
+// The kinds' reader walk over the element tree instead of a document: each value the walk asks
+// for must be the next element, of the form its kind is written in. The first element that is
+// not ends the walk with a Mismatch.
+class ShapeReader {
+  public:
+    struct Mismatch {
+        std::string what;
+    };
+
+    ShapeReader(const BerNode& tree, const kelm_record_type& type)
+        : root_(tree), bare_(type.flags & KELM_RECORD_BARE_ELEMENT),
+          version_(type.flags & KELM_RECORD_VERSION_ELEMENT) {}
+
+    void begin_record(const kelm_record_type&) {
+        if (bare_ && frames_.empty()) {
+            frames_.push_back(Frame{&root_, 0, false, false, "", true});
+            return;
+        }
+        const BerNode& node = next("a SEQUENCE");
+        expect(node, node.tag_class == 0 && node.tag == 16 && node.constructed, "a SEQUENCE");
+        frames_.push_back(Frame{&node, 0, false, false, frames_.empty() ? "" : key_, false});
+        if (version_) {
+            key_ = joined("(version)");
+            const BerNode& version = next("the version INTEGER");
+            expect(version, is_primitive(version, 2), "the version INTEGER");
+        }
+    }
+    void end_record() {
+        const Frame& frame = frames_.back();
+        if (!frame.bare && frame.next < frame.node->children.size())
+            throw Mismatch{"offset " + std::to_string(frame.node->children[frame.next].offset) +
+                           ": " + (frame.path.empty() ? std::string("the record") : frame.path) +
+                           ": an element after the last field"};
+        frames_.pop_back();
+    }
+    bool enter_field(const char* name) {
+        key_ = frames_.back().bare ? frames_.back().path : joined(name);
+        in_entry_ = false;
+        return true;
+    }
+    void enter_entry(size_t k) {
+        key_ = frames_.back().path + "[" + std::to_string(k) + "]";
+        in_entry_ = true;
+    }
+    void leave() {}
+
+    int64_t integer(int64_t, int64_t) {
+        const BerNode& node = next("an INTEGER");
+        expect(node, is_primitive(node, 2), "an INTEGER");
+        return 0;
+    }
+    char* text() {
+        const BerNode& node = next("a text");
+        expect(node,
+               node.tag_class == 0 &&
+                   (node.tag == 4 || node.tag == 12 || node.tag == 19 || node.tag == 20 ||
+                    node.tag == 22 || node.tag == 26 || node.tag == 28 || node.tag == 30),
+               "a text");
+        return static_cast<char*>(std::calloc(1, 1));
+    }
+    std::string bytes() {
+        Frame& frame = frames_.back();
+        if (version_ && !frame.list && frame.next >= frame.node->children.size())
+            return ""; // the OPTIONAL body that a certificate request leaves out at its end
+        const BerNode& node = next("an OCTET STRING");
+        expect(node, node.tag_class == 0 && node.tag == 4, "an OCTET STRING");
+        return "";
+    }
+    std::string fixed_bytes(size_t size) {
+        const BerNode& node = next("an OCTET STRING");
+        expect(node, node.tag_class == 0 && node.tag == 4, "an OCTET STRING");
+        return std::string(size, '\0');
+    }
+    bool present() {
+        const Frame& frame = frames_.back();
+        const bool more = frame.next < frame.node->children.size();
+        const BerNode* node = more ? &frame.node->children[frame.next] : nullptr;
+        if (in_entry_ && frame.slots) {
+            if (node != nullptr && is_primitive(*node, 5)) { // NULL: an empty slot
+                ++frames_.back().next;
+                return false;
+            }
+            return true;
+        }
+        if (in_entry_)
+            return true;
+        // An optional record is there when a SEQUENCE comes next.
+        return node != nullptr && node->tag_class == 0 && node->tag == 16;
+    }
+    size_t begin_list(uint64_t max, const char*) { return open_list(max, false); }
+    size_t begin_slots(size_t size) { return open_list(size, true); }
+    void end_list() { frames_.pop_back(); }
+    [[noreturn]] void out_of_memory() { throw Mismatch{"out of memory"}; }
+
+  private:
+    struct Frame {
+        const BerNode* node;
+        size_t next;
+        bool list;
+        bool slots;
+        std::string path;
+        bool bare;
+    };
+
+    static bool is_primitive(const BerNode& node, unsigned long tag) {
+        return node.tag_class == 0 && node.tag == tag && !node.constructed;
+    }
+
+    std::string joined(const std::string& name) const {
+        const std::string& path = frames_.back().path;
+        return path.empty() ? name : path + "." + name;
+    }
+
+    size_t open_list(uint64_t max, bool slots) {
+        const BerNode& node = next("a SEQUENCE OF");
+        expect(node, node.tag_class == 0 && node.tag == 16 && node.constructed, "a SEQUENCE OF");
+        frames_.push_back(Frame{&node, 0, true, slots, key_, false});
+        return node.children.size() < max ? node.children.size() : static_cast<size_t>(max);
+    }
+
+    const BerNode& next(const char* what) {
+        if (frames_.empty())
+            return root_;
+        Frame& frame = frames_.back();
+        if (frame.bare)
+            return *frame.node;
+        if (frame.next >= frame.node->children.size())
+            throw Mismatch{"offset " + std::to_string(frame.node->end) + ": " + key_ + ": " + what +
+                           " was expected, the element ends"};
+        return frame.node->children[frame.next++];
+    }
+
+    void expect(const BerNode& node, bool fits, const char* what) const {
+        if (!fits)
+            throw Mismatch{"offset " + std::to_string(node.offset) + ": " +
+                           (key_.empty() ? std::string("the record") : key_) + ": " + what +
+                           " was expected, the buffer has " + describe(node)};
+    }
+
+    const BerNode& root_;
+    bool bare_;
+    bool version_;
+    std::vector<Frame> frames_;
+    std::string key_;
+    bool in_entry_ = false;
+};
+
 } // namespace
 
 bool inspect_record(const std::vector<unsigned char>& bytes, const BerNode& tree,
@@ -252,6 +400,23 @@ bool octet_text_lengths(const std::vector<unsigned char>& bytes, const BerNode& 
     kelm_record_kinds::write_record(labeller, type, record);
     lengths = labeller.octet_text_lengths();
     return labeller.ok();
+}
+
+std::string first_mismatch(const std::vector<unsigned char>&, const BerNode& tree,
+                           const kelm_record_type& type) {
+    void* scratch = std::calloc(1, type.record_size);
+    if (scratch == nullptr)
+        return "";
+    std::string mismatch;
+    try {
+        ShapeReader reader(tree, type);
+        kelm_record_kinds::read_record(reader, type, scratch);
+    } catch (const ShapeReader::Mismatch& m) {
+        mismatch = m.what;
+    }
+    kelm_asn_record::free_record(type, scratch);
+    std::free(scratch);
+    return mismatch;
 }
 
 void inspect_untyped(const std::vector<unsigned char>& bytes, const BerNode& tree,

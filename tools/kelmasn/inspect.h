@@ -26,6 +26,12 @@ bool octet_text_lengths(const std::vector<unsigned char>& bytes, const BerNode& 
                         const kelm_record_type& type, const void* record,
                         std::vector<size_t>& lengths);
 
+// Where `tree` stops fitting the shape of record type `type` (its fields' elements in order, lists,
+// slots and optional records): "offset N: path: what was expected, what the buffer has". Empty
+// when the whole tree fits.
+std::string first_mismatch(const std::vector<unsigned char>& bytes, const BerNode& tree,
+                           const kelm_record_type& type);
+
 // One line per element of `tree`, without labels.
 void inspect_untyped(const std::vector<unsigned char>& bytes, const BerNode& tree,
                      std::string& out);

@@ -355,6 +355,18 @@ nlohmann::ordered_json decoded_json(const ToolType& type, const void* record,
     return kelmasn_tool::record_to_json(*type.type, record, options);
 }
 
+// Where a buffer that does not decode as `type` stops fitting its shape, for the error line:
+// "; the first element that does not fit: offset N: path: ...", or nothing when its elements do
+// not even parse or all fit (the library refused something else, such as a value).
+std::string mismatch_of(const ToolType& type, const std::vector<unsigned char>& bytes) {
+    kelmasn_tool::BerNode tree;
+    std::string error;
+    if (!kelmasn_tool::parse_ber(bytes, record_offset(bytes), KELM_ASN_MAX_NESTING, tree, error))
+        return "; " + error;
+    const std::string mismatch = kelmasn_tool::first_mismatch(bytes, tree, *type.type);
+    return mismatch.empty() ? "" : "; the first element that does not fit: " + mismatch;
+}
+
 // Every record type, the typed ones first.
 std::vector<ToolType> all_types() {
     std::vector<ToolType> types;
@@ -439,7 +451,7 @@ int run_decode(const std::string& type_name, const std::string& path,
         decode_record(*type, record.bytes, buffer, options.version, options.local);
     if (status != 0)
         return complain(path + ": cannot decode " + type->type->record_name + ": " +
-                        status_line(status));
+                        status_line(status) + mismatch_of(*type, bytes));
     if (!check_trailing(path, bytes, options))
         return 1;
     kelmasn_tool::JsonOptions json_options;
@@ -885,7 +897,7 @@ int run_inspect(const std::string& path, const std::string& type_name) {
         std::fputs(out.c_str(), stdout);
         std::fflush(stdout);
         return complain(path + ": does not decode as " + type->type->record_name + ": " +
-                        status_line(status));
+                        status_line(status) + mismatch_of(*type, bytes));
     }
     const bool labelled =
         kelmasn_tool::inspect_record(bytes, tree, *type->type, record.bytes, out, error);
