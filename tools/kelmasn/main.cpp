@@ -89,6 +89,25 @@ bool read_input(const std::string& path, std::vector<unsigned char>& bytes, std:
     return true;
 }
 
+// The octets of `text` written as hex digits, spaces allowed between them.
+bool from_hex(const std::string& text, std::string& bytes) {
+    std::string digits;
+    for (const char c : text)
+        if (!std::isspace(static_cast<unsigned char>(c)))
+            digits += c;
+    if (digits.size() % 2 != 0)
+        return false;
+    bytes.clear();
+    for (size_t i = 0; i < digits.size(); i += 2) {
+        const std::string pair = digits.substr(i, 2);
+        if (!std::isxdigit(static_cast<unsigned char>(pair[0])) ||
+            !std::isxdigit(static_cast<unsigned char>(pair[1])))
+            return false;
+        bytes += static_cast<char>(std::stoi(pair, nullptr, 16));
+    }
+    return true;
+}
+
 // How buffers are given: raw bytes, hex digits or base64 (--in-format).
 std::string g_in_format = "raw";
 
@@ -104,16 +123,12 @@ bool read_buffer(const std::string& path, std::vector<unsigned char>& bytes, std
         if (!std::isspace(static_cast<unsigned char>(c)))
             compact += c;
     if (g_in_format == "hex") {
-        bytes.clear();
-        for (size_t i = 0; i + 1 < compact.size() || i < compact.size(); i += 2) {
-            if (i + 1 >= compact.size() || !std::isxdigit(static_cast<unsigned char>(compact[i])) ||
-                !std::isxdigit(static_cast<unsigned char>(compact[i + 1]))) {
-                error = path + ": not hex digits (--in-format hex)";
-                return false;
-            }
-            bytes.push_back(
-                static_cast<unsigned char>(std::stoi(compact.substr(i, 2), nullptr, 16)));
+        std::string decoded;
+        if (!from_hex(compact, decoded)) {
+            error = path + ": not hex digits (--in-format hex)";
+            return false;
         }
+        bytes.assign(decoded.begin(), decoded.end());
         return true;
     }
     // base64 (RFC 4648, section 4), with libb64.
@@ -542,25 +557,6 @@ int run_sample(const std::string& type_name, bool minimal) {
     return 0;
 }
 
-// The octets of `text` written as hex digits, spaces allowed between them.
-bool from_hex(const std::string& text, std::string& bytes) {
-    std::string digits;
-    for (const char c : text)
-        if (!std::isspace(static_cast<unsigned char>(c)))
-            digits += c;
-    if (digits.size() % 2 != 0)
-        return false;
-    bytes.clear();
-    for (size_t i = 0; i < digits.size(); i += 2) {
-        const std::string pair = digits.substr(i, 2);
-        if (!std::isxdigit(static_cast<unsigned char>(pair[0])) ||
-            !std::isxdigit(static_cast<unsigned char>(pair[1])))
-            return false;
-        bytes += static_cast<char>(std::stoi(pair, nullptr, 16));
-    }
-    return true;
-}
-
 std::string to_hex(const std::string& bytes) {
     std::string out;
     char two[4];
@@ -604,21 +600,30 @@ int run_str(const std::string& from, const std::string& to, const std::string& t
 
 // --- check, canon, craft, diff ---------------------------------------------------------------
 
-// The type named for check, canon and diff: the one given, or the best that decode auto finds.
+// The first record type that decodes `bytes` (with the version byte of their header), into
+// `found`; false when none does.
+bool first_decoding_type(const std::vector<unsigned char>& bytes, ToolType& found) {
+    const int version = bytes.size() > 1 ? bytes[1] : 2;
+    for (const ToolType& type : all_types()) {
+        RecordStorage record(type);
+        std::vector<unsigned char> input = bytes;
+        kelm_asn_buffer_t in{input.size(), input.data()};
+        if (record.bytes != nullptr && decode_record(type, record.bytes, in, version, false) == 0) {
+            found = type;
+            return true;
+        }
+    }
+    return false;
+}
+
+// The type named for check, canon and diff: the one given, or the first that decodes the buffer.
 // Null with the message written when there is none.
 const ToolType* type_for(const std::string& type_name, const std::vector<unsigned char>& bytes,
                          const std::string& path, ToolType& found) {
     if (!type_name.empty() && type_name != "auto")
         return find_type(type_name, false, found);
-    for (const ToolType& type : all_types()) {
-        RecordStorage record(type);
-        std::vector<unsigned char> input = bytes;
-        kelm_asn_buffer_t in{input.size(), input.data()};
-        if (record.bytes != nullptr && decode_record(type, record.bytes, in, 2, false) == 0) {
-            found = type;
-            return &found;
-        }
-    }
+    if (first_decoding_type(bytes, found))
+        return &found;
     complain(path + ": no record type decodes this buffer");
     return nullptr;
 }
@@ -628,22 +633,24 @@ const ToolType* type_for(const std::string& type_name, const std::vector<unsigne
 bool library_encoding(const ToolType& type, const std::vector<unsigned char>& bytes,
                       const std::string& path, std::vector<unsigned char>& out) {
     RecordStorage record(type);
-    if (record.bytes == nullptr)
-        return complain("out of memory"), false;
+    if (record.bytes == nullptr) {
+        complain("out of memory");
+        return false;
+    }
     std::vector<unsigned char> input = bytes;
     kelm_asn_buffer_t in{input.size(), input.data()};
     const int version = bytes.size() >= 2 ? bytes[1] : 2;
     unsigned int status = decode_record(type, record.bytes, in, version, false);
-    if (status != 0)
-        return complain(path + ": cannot decode " + type.type->record_name + ": " +
-                        status_line(status)),
-               false;
+    if (status != 0) {
+        complain(path + ": cannot decode " + type.type->record_name + ": " + status_line(status));
+        return false;
+    }
     kelm_asn_buffer_t encoded{0, nullptr};
     status = encode_record(type, record.bytes, encoded, version, false);
-    if (status != 0)
-        return complain(path + ": cannot encode " + type.type->record_name + ": " +
-                        status_line(status)),
-               false;
+    if (status != 0) {
+        complain(path + ": cannot encode " + type.type->record_name + ": " + status_line(status));
+        return false;
+    }
     out.assign(encoded.data, encoded.data + encoded.length);
     kelm_asn_buffer_free(encoded);
     return true;
@@ -661,8 +668,10 @@ bool buffer_findings(const std::vector<unsigned char>& bytes, const std::string&
                            " octets, where the library writes 4");
     kelmasn_tool::BerNode node;
     std::string error;
-    if (!kelmasn_tool::parse_ber(bytes, start, KELM_ASN_MAX_NESTING, node, error))
-        return complain(path + ": " + error), false;
+    if (!kelmasn_tool::parse_ber(bytes, start, KELM_ASN_MAX_NESTING, node, error)) {
+        complain(path + ": " + error);
+        return false;
+    }
     kelmasn_tool::find_ber_only(node, findings);
     if (node.end < bytes.size())
         findings.push_back("offset " + std::to_string(node.end) + ": " +
@@ -855,35 +864,25 @@ int run_inspect(const std::string& path, const std::string& type_name) {
         return complain(path + ": " + error);
     }
     std::string out;
-    ToolType found{nullptr, 0};
-    const ToolType* type = nullptr;
-    if (!type_name.empty()) {
-        if (type_name == "auto") {
-            for (const ToolType& candidate : all_types()) {
-                RecordStorage record(candidate);
-                std::vector<unsigned char> input = bytes;
-                kelm_asn_buffer_t in{input.size(), input.data()};
-                if (record.bytes != nullptr &&
-                    decode_record(candidate, record.bytes, in, bytes.size() > 1 ? bytes[1] : 2,
-                                  false) == 0) {
-                    found = candidate;
-                    type = &found;
-                    break;
-                }
-            }
-            if (type == nullptr) {
-                kelmasn_tool::inspect_untyped(bytes, tree, out);
-                std::fputs(out.c_str(), stdout);
-                std::fflush(stdout);
-                return complain(path + ": no record type decodes this buffer");
-            }
-        } else if ((type = find_type(type_name, false, found)) == nullptr) {
-            return 1;
-        }
-    }
-    if (type == nullptr) {
+    // The tree unlabelled, for a buffer without a type or one that does not decode as it.
+    const auto show_untyped = [&] {
         kelmasn_tool::inspect_untyped(bytes, tree, out);
         std::fputs(out.c_str(), stdout);
+        std::fflush(stdout);
+    };
+    ToolType found{nullptr, 0};
+    const ToolType* type = nullptr;
+    if (type_name == "auto") {
+        if (!first_decoding_type(bytes, found)) {
+            show_untyped();
+            return complain(path + ": no record type decodes this buffer");
+        }
+        type = &found;
+    } else if (!type_name.empty() && (type = find_type(type_name, false, found)) == nullptr) {
+        return 1;
+    }
+    if (type == nullptr) {
+        show_untyped();
         return 0;
     }
     RecordStorage record(*type);
@@ -893,9 +892,7 @@ int run_inspect(const std::string& path, const std::string& type_name) {
     const unsigned int status =
         decode_record(*type, record.bytes, in, bytes.size() > 1 ? bytes[1] : 2, false);
     if (status != 0) {
-        kelmasn_tool::inspect_untyped(bytes, tree, out);
-        std::fputs(out.c_str(), stdout);
-        std::fflush(stdout);
+        show_untyped();
         return complain(path + ": does not decode as " + type->type->record_name + ": " +
                         status_line(status) + mismatch_of(*type, bytes));
     }
