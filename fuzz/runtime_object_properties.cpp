@@ -2,7 +2,6 @@
 
 #include <cstdio>
 #include <cstring>
-#include <iterator>
 #include <memory>
 #include <vector>
 
@@ -23,12 +22,26 @@ std::string hex_of(unsigned int value) {
     return text;
 }
 
-using Conversion = unsigned int (kelm_asn_charstring::*)();
-const Conversion kConversions[] = {
-    &kelm_asn_charstring::convert2printable, &kelm_asn_charstring::convert2visible,
-    &kelm_asn_charstring::convert2T61,       &kelm_asn_charstring::convert2IA5,
-    &kelm_asn_charstring::convert2BMP,       &kelm_asn_charstring::convert2Univ,
-    &kelm_asn_charstring::convert2UTF8};
+// The seven in-place conversions, by number.
+constexpr int kConversionCount = 7;
+unsigned int convert(kelm_asn_charstring& text, int which) {
+    switch (which) {
+    case 0:
+        return text.convert2printable();
+    case 1:
+        return text.convert2visible();
+    case 2:
+        return text.convert2T61();
+    case 3:
+        return text.convert2IA5();
+    case 4:
+        return text.convert2BMP();
+    case 5:
+        return text.convert2Univ();
+    default:
+        return text.convert2UTF8();
+    }
+}
 
 bool is_text_status(unsigned int status) {
     return status == KELM_ASN_OK || status == KELM_ASN_UNREPRESENTABLE ||
@@ -97,13 +110,13 @@ std::string check_read(const char* name, Make make, const uint8_t* data, size_t 
     const unsigned int got = text.get_value_C(local, '?');
     if (!is_text_status(got))
         return std::string(name) + ": get_value_C returned " + hex_of(got);
-    for (size_t target = 0; target < std::size(kConversions); ++target) {
+    for (int target = 0; target < kConversionCount; ++target) {
         std::unique_ptr<kelm_asn_object> converted = make();
         kelm_r_buffer_t input2(first.data(), static_cast<unsigned int>(first.size()));
         if (converted->asnread(input2) != KELM_ASN_OK)
             return std::string(name) + ": a second read failed";
         auto& converted_text = static_cast<kelm_asn_charstring&>(*converted);
-        const unsigned int status3 = (converted_text.*kConversions[target])();
+        const unsigned int status3 = convert(converted_text, target);
         if (!is_text_status(status3))
             return std::string(name) + ": conversion " + std::to_string(target) + " returned " +
                    hex_of(status3);
