@@ -32,7 +32,7 @@
 
 /// The code-set numbers, which are also the universal tag numbers.
 enum : unsigned int {
-    KELM_CODESET_NONE = 0, ///< no preferred code set chosen; the bare class's code set
+    KELM_CODESET_NONE = 0,       ///< no preferred code set chosen; the bare class's code set
     KELM_CODESET_UTF8 = 12,      ///< UTF8String: UTF-8, one to six octets a character
     KELM_CODESET_PRINTABLE = 19, ///< PrintableString: one octet a character, those IA52P accepts
     KELM_CODESET_T61 = 20,       ///< TeletexString: T.61, an accent octet before a letter

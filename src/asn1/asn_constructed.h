@@ -83,10 +83,10 @@ class KELM_API kelm_asn_composite : public kelm_asn_object {
     /// Makes `child` one of ours: parent and security.
     void adopt(kelm_asn_object* child);
 
-    int empty_permitted;          ///< counts as present with no child present; 1 by default
-    unsigned int child_count;     ///< number of registered children
-    unsigned int child_capacity;  ///< slots in the child array
-    kelm_asn_object** children;   ///< the children in registration order; not owned
+    int empty_permitted;         ///< counts as present with no child present; 1 by default
+    unsigned int child_count;    ///< number of registered children
+    unsigned int child_capacity; ///< slots in the child array
+    kelm_asn_object** children;  ///< the children in registration order; not owned
 };
 
 /// SEQUENCE (universal 16): the children one after another in one frame (X.690 8.9).
