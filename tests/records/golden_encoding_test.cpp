@@ -132,43 +132,46 @@ struct GoldenCase {
     std::string record; // the C record, the name of its folder
     std::string name;   // the case, the name of its files
     std::string path() const { return std::string(KELMASN_GOLDEN_DIR) + "/" + record + "/" + name; }
-    bool ascii_only() const {
-        const std::string text = read_file(path() + ".json");
-        return std::all_of(text.begin(), text.end(),
-                           [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-    }
 };
 
-std::vector<GoldenCase> all_cases() {
+// The cases of a record type, in the order of their names.
+std::vector<GoldenCase> cases_of(const std::string& record) {
     std::vector<GoldenCase> cases;
-    for (const std::string& record : entries_of(KELMASN_GOLDEN_DIR))
-        for (const std::string& file : entries_of(std::string(KELMASN_GOLDEN_DIR) + "/" + record))
-            if (ends_with(file, ".json"))
-                cases.push_back({record, file.substr(0, file.size() - 5)});
+    for (const std::string& file : entries_of(std::string(KELMASN_GOLDEN_DIR) + "/" + record))
+        if (ends_with(file, ".json"))
+            cases.push_back({record, file.substr(0, file.size() - 5)});
     return cases;
 }
 
-// The cases that the local-code-set entry points can run: a type with typed entry points and
-// texts in ASCII, which every local code set holds as it is.
-std::vector<GoldenCase> local_code_set_cases() {
-    std::vector<GoldenCase> cases;
-    for (const GoldenCase& c : all_cases()) {
-        const EntryPoints* entry = entry_points_of(c.record);
-        if (entry != nullptr && entry->encode_lcs != nullptr && c.ascii_only())
-            cases.push_back(c);
+bool ascii_only(const std::string& text) {
+    return std::all_of(text.begin(), text.end(),
+                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+// The record types of the golden folders.
+std::vector<std::string> golden_records() {
+    return entries_of(KELMASN_GOLDEN_DIR);
+}
+
+// Those that the local-code-set entry points serve: the types with typed entry points.
+std::vector<std::string> typed_golden_records() {
+    std::vector<std::string> records;
+    for (const std::string& record : golden_records()) {
+        const EntryPoints* entry = entry_points_of(record);
+        if (entry != nullptr && entry->encode_lcs != nullptr)
+            records.push_back(record);
     }
-    return cases;
+    return records;
 }
 
-std::string case_label(const ::testing::TestParamInfo<GoldenCase>& info) {
-    std::string label = info.param.record + "__" + info.param.name;
-    std::replace(label.begin(), label.end(), '-', '_');
-    return label;
-}
-
+// The four-byte header of version 2, 04 02 AC DC, in front of `body`.
 Bytes with_header(const std::string& body) {
-    Bytes out = {0x04, 0x02, 0xAC, 0xDC};
-    out.insert(out.end(), body.begin(), body.end());
+    Bytes out(4 + body.size());
+    out[0] = 0x04;
+    out[1] = 0x02;
+    out[2] = 0xAC;
+    out[3] = 0xDC;
+    std::copy(body.begin(), body.end(), out.begin() + 4);
     return out;
 }
 
@@ -190,22 +193,47 @@ class Record {
     void* bytes_;
 };
 
-class GoldenEncoding : public ::testing::TestWithParam<GoldenCase> {
+// One golden case of the record type under test: its JSON record and the header followed by its
+// golden bytes.
+struct LoadedCase {
+    json document;
+    Bytes golden;
+};
+
+class GoldenEncoding : public ::testing::TestWithParam<std::string> {
   protected:
     void SetUp() override {
-        type_ = record_type_of(GetParam().record);
-        entry_ = entry_points_of(GetParam().record);
-        ASSERT_NE(type_, nullptr) << "no record type is named " << GetParam().record;
-        ASSERT_NE(entry_, nullptr) << "no entry points for " << GetParam().record;
-        document_ = json::parse(read_file(GetParam().path() + ".json"));
-        golden_ = with_header(read_file(GetParam().path() + ".der"));
-        ASSERT_GT(golden_.size(), 4u) << GetParam().path() << ".der is missing or empty";
+        type_ = record_type_of(GetParam());
+        entry_ = entry_points_of(GetParam());
+        ASSERT_NE(type_, nullptr) << "no record type is named " << GetParam();
+        ASSERT_NE(entry_, nullptr) << "no entry points for " << GetParam();
+        ASSERT_FALSE(cases_of(GetParam()).empty()) << "no golden case of " << GetParam();
+    }
+
+    // Runs `check` on every case of the type (only those whose texts are ASCII when
+    // `ascii_texts_only`), with the case named in the trace.
+    template <class Check> void each_case(bool ascii_texts_only, Check check) const {
+        for (const GoldenCase& c : cases_of(GetParam())) {
+            SCOPED_TRACE("tests/golden/" + c.record + "/" + c.name);
+            const std::string text = read_file(c.path() + ".json");
+            if (ascii_texts_only && !ascii_only(text))
+                continue;
+            LoadedCase loaded{json::parse(text), with_header(read_file(c.path() + ".der"))};
+            ASSERT_GT(loaded.golden.size(), 4u) << c.path() << ".der is missing or empty";
+            check(loaded);
+        }
     }
 
     // The library's encoding of the case's record through `encode`.
-    Bytes encoding(unsigned int (*encode)(kelm_asn_buffer_t&, void*)) const {
+    Bytes encoding(const LoadedCase& loaded,
+                   unsigned int (*encode)(kelm_asn_buffer_t&, void*)) const {
         Record record(*type_, *entry_);
-        kelmasn_tool::record_from_json(*type_, document_, record.get());
+        try {
+            kelmasn_tool::record_from_json(*type_, loaded.document, record.get());
+        } catch (const kelmasn_tool::JsonFieldError& e) {
+            ADD_FAILURE() << "the record does not fit the library's type: " << e.what();
+            return Bytes();
+        }
         kelm_asn_buffer_t out{0, nullptr};
         const unsigned int status = encode(out, record.get());
         EXPECT_EQ(status, 0u);
@@ -216,10 +244,12 @@ class GoldenEncoding : public ::testing::TestWithParam<GoldenCase> {
 
     // The JSON of the record that `decode` makes of the golden bytes (read from a block of
     // exactly their size).
-    json decoding(unsigned int (*decode)(kelm_asn_buffer_t&, void*)) const {
-        std::unique_ptr<unsigned char[]> exact(new unsigned char[golden_.size()]);
-        std::copy(golden_.begin(), golden_.end(), exact.get());
-        kelm_asn_buffer_t in{golden_.size(), exact.get()};
+    json decoding(const LoadedCase& loaded,
+                  unsigned int (*decode)(kelm_asn_buffer_t&, void*)) const {
+        const Bytes& golden = loaded.golden;
+        std::unique_ptr<unsigned char[]> exact(new unsigned char[golden.size()]);
+        std::copy(golden.begin(), golden.end(), exact.get());
+        kelm_asn_buffer_t in{golden.size(), exact.get()};
         Record record(*type_, *entry_);
         const unsigned int status = decode(in, record.get());
         EXPECT_EQ(status, 0u);
@@ -228,8 +258,6 @@ class GoldenEncoding : public ::testing::TestWithParam<GoldenCase> {
 
     const kelm_record_type* type_ = nullptr;
     const EntryPoints* entry_ = nullptr;
-    json document_;
-    Bytes golden_;
 };
 
 class GoldenEncodingInLocalCodeSet : public GoldenEncoding {
@@ -240,14 +268,21 @@ class GoldenEncodingInLocalCodeSet : public GoldenEncoding {
     }
 };
 
+std::string record_label(const ::testing::TestParamInfo<std::string>& info) {
+    return info.param;
+}
+
 } // namespace
 
 TEST_P(GoldenEncoding, LibraryEncodingIsTheHeaderAndTheGoldenBytes) {
-    EXPECT_EQ(encoding(entry_->encode), golden_);
+    each_case(false,
+              [&](const LoadedCase& c) { EXPECT_EQ(encoding(c, entry_->encode), c.golden); });
 }
 
 TEST_P(GoldenEncoding, GoldenBytesDecodeToTheRecord) {
-    EXPECT_EQ(decoding(entry_->decode).dump(2), document_.dump(2));
+    each_case(false, [&](const LoadedCase& c) {
+        EXPECT_EQ(decoding(c, entry_->decode).dump(2), c.document.dump(2));
+    });
 }
 
 // The local-code-set entry points in an ISO-8859-1 locale, for records whose texts are ASCII:
@@ -255,18 +290,22 @@ TEST_P(GoldenEncoding, GoldenBytesDecodeToTheRecord) {
 TEST_P(GoldenEncodingInLocalCodeSet, LibraryEncodingIsTheHeaderAndTheGoldenBytes) {
     kelm_test::ScopedThreadLocale latin1(kelm_test::latin1_locale_name());
     ASSERT_TRUE(latin1.active()) << latin1.problem();
-    EXPECT_EQ(encoding(entry_->encode_lcs), golden_);
+    each_case(true,
+              [&](const LoadedCase& c) { EXPECT_EQ(encoding(c, entry_->encode_lcs), c.golden); });
 }
 
 TEST_P(GoldenEncodingInLocalCodeSet, GoldenBytesDecodeToTheRecord) {
     kelm_test::ScopedThreadLocale latin1(kelm_test::latin1_locale_name());
     ASSERT_TRUE(latin1.active()) << latin1.problem();
-    EXPECT_EQ(decoding(entry_->decode_lcs).dump(2), document_.dump(2));
+    each_case(true, [&](const LoadedCase& c) {
+        EXPECT_EQ(decoding(c, entry_->decode_lcs).dump(2), c.document.dump(2));
+    });
 }
 
-INSTANTIATE_TEST_SUITE_P(Golden, GoldenEncoding, ::testing::ValuesIn(all_cases()), case_label);
+INSTANTIATE_TEST_SUITE_P(Golden, GoldenEncoding, ::testing::ValuesIn(golden_records()),
+                         record_label);
 INSTANTIATE_TEST_SUITE_P(Golden, GoldenEncodingInLocalCodeSet,
-                         ::testing::ValuesIn(local_code_set_cases()), case_label);
+                         ::testing::ValuesIn(typed_golden_records()), record_label);
 
 // Every record type, those reached by type code included, has its golden cases: the example and
 // at least the smallest record; and every golden folder belongs to a record type.
