@@ -36,6 +36,11 @@ BARE_VALUE_MEMBER = "value"
 # Entries of a long list: enough for a length in three octets (above 255 octets of contents).
 LONG_LIST = 40
 LONG_TEXT = 300
+# Lists are filled and optional records present down to this depth of nested records, deep enough
+# for the values of the attribute lists in every record type (an action group's actions, or the
+# principals of a request's chain, hold them four levels down); the types that nest themselves
+# stop there.
+MAX_DEPTH = 5
 
 
 class CaseError(Exception):
@@ -286,9 +291,9 @@ class Builder:
         if self.mode == "long-values":
             n = LONG_LIST if depth == 0 else 0
         elif self.mode == "full":
-            n = 2 if depth < 2 else 0
+            n = 2 if depth < MAX_DEPTH else 0
         else:
-            n = 1 if depth < 2 else 0
+            n = 1 if depth < MAX_DEPTH else 0
         if v.max_size is not None:
             n = min(n, v.max_size)
         return n
@@ -325,7 +330,7 @@ class Builder:
             if v.kind == "fixed":
                 continue
             name = field_name(c.name)
-            if c.optional and (self.mode == "minimal" or depth >= 2):
+            if c.optional and (self.mode == "minimal" or depth >= MAX_DEPTH):
                 v = view(self.module, c.type)
                 out[name] = "" if v.kind == "bytes" else None
                 continue
