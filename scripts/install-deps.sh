@@ -5,7 +5,7 @@
 set -euo pipefail
 packages=(g++ cmake ninja-build pkg-config libgtest-dev libgmock-dev libbenchmark-dev
           libcli11-dev nlohmann-json3-dev clang libclang-rt-14-dev binutils locales dpkg-dev
-          help2man libb64-dev abigail-tools doxygen asn1c libfmt-dev)
+          help2man libb64-dev abigail-tools doxygen asn1c libfmt-dev python3)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

@@ -64,6 +64,11 @@ for f in kelmasnConfig.cmake kelmasnConfigVersion.cmake kelmasnTargets.cmake; do
 done
 echo "ok: shared library with SONAME and links, static library, CMake package, pkg-config file"
 
+# The records' ASN.1 module, for decoders in other languages, as the source tree has it.
+cmp -s "$source_dir/asn1/kelmasn.asn" "$prefix/share/kelmasn/kelmasn.asn" ||
+  fail "share/kelmasn/kelmasn.asn is missing or not asn1/kelmasn.asn"
+echo "ok: the records' ASN.1 module"
+
 # Exactly the headers of the committed list, flat: those of the source tree and those the build
 # generates ("generated: PATH").
 expected_headers=$(grep -v '^#' "$source_dir/src/installed-headers.txt" | sed 's/^generated: *//' |

@@ -67,6 +67,7 @@ entry "$lib/libkelmasn.so.1" | grep -q "^l.* -> libkelmasn.so.$version\$" ||
 has_file "$lib/pkgconfig/kelmasn.pc"
 has_file "$lib/cmake/kelmasn/kelmasnConfig.cmake"
 has_file "$prefix/share/doc/kelmasn/copyright"
+has_file "$prefix/share/kelmasn/kelmasn.asn"
 
 # Exactly the headers of the committed list, flat, the generated ones ("generated: PATH") too.
 expected_headers=$(grep -v '^#' "$source_dir/src/installed-headers.txt" | sed 's/^generated: *//' |
@@ -92,6 +93,8 @@ dpkg-deb -x "$deb" "$root"
 dpkg-deb -e "$deb" "$work/control"
 cmp -s "$source_dir/LICENSE" "$root/$prefix/share/doc/kelmasn/copyright" ||
   fail "share/doc/kelmasn/copyright is not the LICENSE file"
+cmp -s "$source_dir/asn1/kelmasn.asn" "$root/$prefix/share/kelmasn/kelmasn.asn" ||
+  fail "share/kelmasn/kelmasn.asn is not asn1/kelmasn.asn"
 library=$root/$lib/libkelmasn.so.$version
 readelf -d "$library" | grep -q 'Library soname: \[libkelmasn\.so\.1\]' ||
   fail "the packaged library's SONAME is not libkelmasn.so.1"

@@ -3,7 +3,7 @@ _kelmasn() {
     local cur prev words cword
     cur=${COMP_WORDS[COMP_CWORD]}
     prev=${COMP_WORDS[COMP_CWORD - 1]}
-    local subcommands="der types decode encode inspect check canon diff craft sample str help"
+    local subcommands="der types decode encode inspect check canon diff craft sample str schema help"
     if [ "$COMP_CWORD" -eq 1 ]; then
         COMPREPLY=($(compgen -W "$subcommands --help --version" -- "$cur"))
         return
@@ -40,9 +40,9 @@ _kelmasn() {
         COMPREPLY=($(compgen -W "$options" -- "$cur"))
         return
     fi
-    # TYPE is the first word after decode, encode and sample; the rest are files.
+    # TYPE is the first word after decode, encode, sample and schema; the rest are files.
     if [ "$COMP_CWORD" -eq 2 ] && [[ $subcommand == decode || $subcommand == encode ||
-        $subcommand == sample ]]; then
+        $subcommand == sample || $subcommand == schema ]]; then
         COMPREPLY=($(compgen -W "$( [ "$subcommand" = decode ] && echo auto) \
 $(kelmasn types 2>/dev/null | cut -d' ' -f1)" -- "$cur"))
         return

@@ -43,6 +43,7 @@ extern "C" { // libb64's C header declares its functions without C linkage
 #include "local_text.h"
 #include "record_registry.h"
 #include "samples.h"
+#include "schema.h"
 #include "type_code_records.h"
 
 namespace {
@@ -1032,6 +1033,9 @@ int main(int argc, char** argv) {
     craft->add_option("--truncate", craft_options.truncate, "keep only the first N bytes")
         ->check(CLI::NonNegativeNumber);
 
+    std::string schema_type;
+    CLI::App* schema = kelmasn_tool::add_schema_subcommand(app, schema_type);
+
     for (CLI::App* reads_a_buffer : {der, decode, inspect, check, canon, diff})
         reads_a_buffer
             ->add_option("--in-format", g_in_format,
@@ -1090,6 +1094,8 @@ int main(int argc, char** argv) {
         return run_sample(sample_type, minimal);
     if (str->parsed())
         return run_str(from, to, text, hex_in, hex_out);
+    if (schema->parsed())
+        return kelmasn_tool::run_schema(schema_type);
     if (encode->parsed()) {
         if (output.empty()) {
             if (isatty(1))
