@@ -5,7 +5,14 @@
 #ifndef KELM_ASN_BUFFER_RECORD_H
 #define KELM_ASN_BUFFER_RECORD_H
 
-#include <cstddef>
+#include <stddef.h>
+
+#ifndef __cplusplus
+#include <assert.h> // static_assert of the layout checks
+
+// C names the records without `struct`, as C++ does.
+typedef struct kelm_asn_buffer_t kelm_asn_buffer_t;
+#endif
 
 struct kelm_asn_buffer_t {
     unsigned long length; // valid bytes at `data`; only 32-bit lengths are produced and checked
