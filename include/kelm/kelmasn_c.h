@@ -3,9 +3,9 @@
 // inspection functions and the list of record types, with C linkage. The header compiles as C11
 // and as C++; it includes every record header, whose records are plain C structs.
 //
-// Each function forwards to the C++ entry point of the same name and job (kelmasn.h) and does
-// exactly what it does: the same bytes, statuses, allocations and stderr lines. Where the C++
-// entry point takes a reference, the function takes a pointer, which must not be null.
+// Each function forwards to the C++ entry point named in its comment (kelmasn.h) and does exactly
+// what it does: the same bytes, statuses, allocations and stderr lines. Where the C++ entry point
+// takes a reference, the function takes a pointer, which must not be null.
 //
 // Ownership: bytes placed in a kelm_asn_buffer_t by an encode are allocated with malloc and
 // belong to the caller, who releases them with kelmasn_c_buffer_free; a record filled by a decode
