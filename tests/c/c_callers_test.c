@@ -357,9 +357,8 @@ static int same_action(const ekaction_s_t* a, const ekaction_s_t* b) {
 static void actions_round_trip(void) {
     current_family = "actions";
     static ekaction_s_t read_action = {1, "r", "read", "read the object", 0, 1, {0, NULL}};
-    static ekaction_s_t write_action = {2,           "w", "write",    "change the object",
-                                        0xFFFFFFFFu, 7,   {2, kAttrs}};
-    // Slots keep their positions: the empty ones between and after the actions stay empty.
+    static ekaction_s_t write_action = {2, "w", "write", "change it", 0xFFFFFFFFu, 7, {2, kAttrs}};
+    // Slots keep their positions: the empty ones between the actions stay empty.
     ekaction_group_s_t group = {
         "primary", {[0] = &read_action, [5] = &write_action, [31] = &read_action}, kAttrlist};
     ekaction_group_s_t decoded = {0};
