@@ -1,10 +1,11 @@
-// Actions, action groups and the set of action groups.
-//
-// A group holds up to 32 actions and the set up to 32 groups, each in a fixed array of pointers
-// where a null pointer is an empty slot; on the wire every slot keeps its position.
-//
-// Ownership: a record filled by a decode entry point owns its texts, every slot record it points
-// at and their storage; kelmAsnFreeObj releases them (not the record itself) and resets nothing.
+/// \file
+/// Actions, action groups and the set of action groups.
+///
+/// A group holds up to 32 actions and the set up to 32 groups, each in a fixed array of pointers
+/// where a null pointer is an empty slot; on the wire every slot keeps its position.
+///
+/// Ownership: a record filled by a decode entry point owns its texts, every slot record it points
+/// at and their storage; kelmAsnFreeObj releases them (not the record itself) and resets nothing.
 #ifndef KELM_ACTIONIDL_H
 #define KELM_ACTIONIDL_H
 
@@ -22,33 +23,52 @@ typedef struct ekaction_group_s_t ekaction_group_s_t;
 typedef struct ekaction_groups_s_t ekaction_groups_s_t;
 #endif
 
-// The fixed number of slots of an action group and of the set of groups.
+/// The fixed number of slots of an action group and of the set of groups.
 #define KELM_ACTION_SLOT_COUNT 32
 #ifdef __cplusplus
+/// The fixed number of slots of an action group and of the set of groups, for C++.
 inline constexpr unsigned int kelm_action_slot_count = KELM_ACTION_SLOT_COUNT;
 #endif
 
-// A numbered action with three texts and two numbers that the product interprets.
+/// A numbered action with three texts and two numbers that the product interprets.
 struct ekaction_s_t {
+    /// A number (an INTEGER, written from its signed 32-bit view and read back with the same bits).
     uint32_t action_number;
+    /// The action's name (a UTF8String; the LCS entry points convert it from and to the local code
+    /// set). A null text is written as an empty one and decodes as an allocated empty string.
     char* action_name;
+    /// The action's label (a UTF8String; the LCS entry points convert it from and to the local code
+    /// set). A null text is written as an empty one and decodes as an allocated empty string.
     char* action_label;
+    /// The action's text (a UTF8String; the LCS entry points convert it from and to the local code
+    /// set). A null text is written as an empty one and decodes as an allocated empty string.
     char* action_text;
+    /// A number (an INTEGER, written from its signed 32-bit view and read back with the same bits).
     uint32_t first_number;
+    /// A number (an INTEGER, written from its signed 32-bit view and read back with the same bits).
     uint32_t second_number;
+    /// The attributes, an attribute list held inline (its SEQUENCE nested).
     attrlist_s_t attrs;
 };
 
-// A named group of up to 32 actions; a null pointer is an empty slot.
+/// A named group of up to 32 actions; a null pointer is an empty slot.
 struct ekaction_group_s_t {
+    /// The group's name (a UTF8String; the LCS entry points convert it from and to the local code
+    /// set). A null text is written as an empty one and decodes as an allocated empty string.
     char* group_name;
+    /// `kelm_action_slot_count` (32) slots, each a pointer to an action in a block of its own or
+    /// null for an empty slot; every slot keeps its position on the wire.
     ekaction_s_t* actions[KELM_ACTION_SLOT_COUNT];
+    /// The attributes, an attribute list held inline (its SEQUENCE nested).
     attrlist_s_t attrs;
 };
 
-// Up to 32 action groups; a null pointer is an empty slot.
+/// Up to 32 action groups; a null pointer is an empty slot.
 struct ekaction_groups_s_t {
+    /// `kelm_action_slot_count` (32) slots, each a pointer to an action group in a block of its own
+    /// or null for an empty slot; every slot keeps its position on the wire.
     ekaction_group_s_t* groups[KELM_ACTION_SLOT_COUNT];
+    /// The attributes, an attribute list held inline (its SEQUENCE nested).
     attrlist_s_t attrs;
 };
 

@@ -1,9 +1,10 @@
-// Authorization-database records and credential changes: the database header record, four
-// external-authentication texts, extended attributes, and the request and response of a
-// credential modification.
-//
-// Ownership: a record filled by a decode entry point owns every string and array it points at;
-// kelmAsnFreeObj releases them (not the record itself).
+/// \file
+/// Authorization-database records and credential changes: the database header record, four
+/// external-authentication texts, extended attributes, and the request and response of a
+/// credential modification.
+///
+/// Ownership: a record filled by a decode entry point owns every string and array it points at;
+/// kelmAsnFreeObj releases them (not the record itself).
 #ifndef KELM_EKACLOBJS_H
 #define KELM_EKACLOBJS_H
 
@@ -27,46 +28,72 @@ typedef struct azn_creds_mod_in_s_t azn_creds_mod_in_s_t;
 typedef struct azn_creds_mod_out_s_t azn_creds_mod_out_s_t;
 #endif
 
-// The authorization-database header record.
+/// The authorization-database header record.
 struct ekauthzn_db_s_t {
+    /// A number (an INTEGER, written from its signed 32-bit view and read back with the same bits).
     uint32_t number1;
+    /// A number (an INTEGER, written from its signed 32-bit view and read back with the same bits).
     uint32_t number2;
+    /// A number (an INTEGER, written from its signed 32-bit view and read back with the same bits).
     uint32_t number3;
+    /// The attributes, an attribute list held inline (its SEQUENCE nested).
     attrlist_s_t attrs;
 };
 
-// Four external-authentication texts.
+/// Four external-authentication texts.
 struct ekextern_auth_s_t {
+    /// A text (a UTF8String; the LCS entry points convert it from and to the local code set). A
+    /// null text is written as an empty one and decodes as an allocated empty string.
     char* string1;
+    /// A text (a UTF8String; the LCS entry points convert it from and to the local code set). A
+    /// null text is written as an empty one and decodes as an allocated empty string.
     char* string2;
+    /// A text (a UTF8String; the LCS entry points convert it from and to the local code set). A
+    /// null text is written as an empty one and decodes as an allocated empty string.
     char* string3;
+    /// A text (a UTF8String; the LCS entry points convert it from and to the local code set). A
+    /// null text is written as an empty one and decodes as an allocated empty string.
     char* string4;
 };
 
-// A named attribute with text values.
+/// A named attribute with text values.
 struct ekattr_s_t {
+    /// The name (a UTF8String; the LCS entry points convert it from and to the local code set). A
+    /// null text is written as an empty one and decodes as an allocated empty string.
     char* name;
+    /// The number of entries of `values`.
     uint32_t value_count;
+    /// Texts (a SEQUENCE OF UTF8String), `value_count` of them; null when there are none.
     char** values;
 };
 
-// Extended attributes: named text attributes and an attribute list.
+/// Extended attributes: named text attributes and an attribute list.
 struct ekextattr_s_t {
+    /// The number of entries of `ekattrs`.
     uint32_t ekattr_count;
+    /// An array of `ekattr_count` `ekattr_s_t` records (a SEQUENCE OF their SEQUENCEs); null when
+    /// there are none.
     ekattr_s_t* ekattrs;
+    /// The attributes, an attribute list held inline (its SEQUENCE nested).
     attrlist_s_t attrs;
 };
 
-// A credential modification request.
+/// A credential modification request.
 struct azn_creds_mod_in_s_t {
+    /// A text (a UTF8String; the LCS entry points convert it from and to the local code set). A
+    /// null text is written as an empty one and decodes as an allocated empty string.
     char* string1;
+    /// The attributes, an attribute list held inline (its SEQUENCE nested).
     attrlist_s_t attrs;
+    /// The chain of principals, a `ekprincipal_chain_s_t` held inline (its SEQUENCE nested).
     ekprincipal_chain_s_t chain;
 };
 
-// A credential modification response.
+/// A credential modification response.
 struct azn_creds_mod_out_s_t {
+    /// The chain of principals, a `ekprincipal_chain_s_t` held inline (its SEQUENCE nested).
     ekprincipal_chain_s_t chain;
+    /// A number (an INTEGER, written from its signed 32-bit view and read back with the same bits).
     uint32_t result;
 };
 

@@ -1,8 +1,9 @@
-// Generic objects: network addresses, named objects with a byte payload, lists of objects or of
-// names, and the header of an object database.
-//
-// Ownership: a record filled by a decode entry point owns every string and array it points at;
-// kelmAsnFreeObj releases them (not the record itself).
+/// \file
+/// Generic objects: network addresses, named objects with a byte payload, lists of objects or of
+/// names, and the header of an object database.
+///
+/// Ownership: a record filled by a decode entry point owns every string and array it points at;
+/// kelmAsnFreeObj releases them (not the record itself).
 #ifndef KELM_EKOBJ_H
 #define KELM_EKOBJ_H
 
@@ -24,41 +25,64 @@ typedef struct ekobj_name_list_s_t ekobj_name_list_s_t;
 typedef struct ekobj_db_header_s_t ekobj_db_header_s_t;
 #endif
 
-// A network address. Both arrays always travel at their full size, whatever they hold.
+/// A network address. Both arrays always travel at their full size, whatever they hold.
 struct ip_addr_s_t {
+    /// The type of the address (an INTEGER, written from its signed 32-bit view and read back with
+    /// the same bits).
     uint32_t addr_type;
+    /// The address as 46 bytes held inline, written in full as an OCTET STRING whatever they hold;
+    /// decoded into exactly 46 bytes (longer contents cut, shorter ones filled with zeros).
     unsigned char addr_string[46];
+    /// The address as 16 bytes held inline, written in full as an OCTET STRING whatever they hold;
+    /// decoded into exactly 16 bytes (longer contents cut, shorter ones filled with zeros).
     unsigned char addr_bytes[16];
 };
 
-// A named object with two numbers and a byte payload.
+/// A named object with two numbers and a byte payload.
 struct ekobj_t {
+    /// The name (a UTF8String; the LCS entry points convert it from and to the local code set). A
+    /// null text is written as an empty one and decodes as an allocated empty string.
     char* name;
+    /// A number (an INTEGER, written from its signed 32-bit view and read back with the same bits).
     uint32_t first_number;
+    /// A number (an INTEGER, written from its signed 32-bit view and read back with the same bits).
     uint32_t second_number;
+    /// The number of bytes at `data`.
     uint32_t data_length;
+    /// Bytes (an OCTET STRING), `data_length` of them; null when there are none.
     unsigned char* data;
 };
 
-// A list of objects with attributes.
+/// A list of objects with attributes.
 struct ekobj_list_s_t {
+    /// The number of entries of `objs`.
     uint32_t obj_count;
+    /// An array of `obj_count` `ekobj_t` records (a SEQUENCE OF their SEQUENCEs); null when there
+    /// are none.
     ekobj_t* objs;
+    /// The attributes, an attribute list held inline (its SEQUENCE nested).
     attrlist_s_t attrs;
 };
 
-// A list of names with attributes.
+/// A list of names with attributes.
 struct ekobj_name_list_s_t {
+    /// The number of entries of `names`.
     uint32_t name_count;
+    /// Texts (a SEQUENCE OF UTF8String), `name_count` of them; null when there are none.
     char** names;
+    /// The attributes, an attribute list held inline (its SEQUENCE nested).
     attrlist_s_t attrs;
 };
 
-// The header of an object database.
+/// The header of an object database.
 struct ekobj_db_header_s_t {
+    /// A number (an INTEGER, written from its signed 32-bit view and read back with the same bits).
     uint32_t db_number;
+    /// The number of entries of `names`.
     uint32_t name_count;
+    /// Texts (a SEQUENCE OF UTF8String), `name_count` of them; null when there are none.
     char** names;
+    /// The attributes, an attribute list held inline (its SEQUENCE nested).
     attrlist_s_t attrs;
 };
 

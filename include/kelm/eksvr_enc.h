@@ -1,8 +1,9 @@
-// Server registrations: an administration service entry (a name and a list of strings) and a
-// local server record (four strings, four numbers, a list of service entries and attributes).
-//
-// Ownership: a record filled by a decode entry point owns every string and array it points at;
-// kelmAsnFreeObj releases them (not the record itself).
+/// \file
+/// Server registrations: an administration service entry (a name and a list of strings) and a
+/// local server record (four strings, four numbers, a list of service entries and attributes).
+///
+/// Ownership: a record filled by a decode entry point owns every string and array it points at;
+/// kelmAsnFreeObj releases them (not the record itself).
 #ifndef KELM_EKSVR_ENC_H
 #define KELM_EKSVR_ENC_H
 
@@ -21,25 +22,45 @@ typedef struct aznadmsvc_s_t aznadmsvc_s_t;
 typedef struct aznlocal_svr_s_t aznlocal_svr_s_t;
 #endif
 
-// An administration service entry.
+/// An administration service entry.
 struct aznadmsvc_s_t {
+    /// The service's name (a UTF8String; the LCS entry points convert it from and to the local code
+    /// set). A null text is written as an empty one and decodes as an allocated empty string.
     char* svc_name;
+    /// The number of entries of `svc_items`.
     uint32_t svc_item_count;
+    /// Texts (a SEQUENCE OF UTF8String), `svc_item_count` of them; null when there are none.
     char** svc_items;
 };
 
-// A local server. The numbers travel as signed INTEGERs and come back with the same bits.
+/// A local server. The numbers travel as signed INTEGERs and come back with the same bits.
 struct aznlocal_svr_s_t {
+    /// A text (a UTF8String; the LCS entry points convert it from and to the local code set). A
+    /// null text is written as an empty one and decodes as an allocated empty string.
     char* svr_text1;
+    /// A text (a UTF8String; the LCS entry points convert it from and to the local code set). A
+    /// null text is written as an empty one and decodes as an allocated empty string.
     char* svr_text2;
+    /// A text (a UTF8String; the LCS entry points convert it from and to the local code set). A
+    /// null text is written as an empty one and decodes as an allocated empty string.
     char* svr_text3;
+    /// A text (a UTF8String; the LCS entry points convert it from and to the local code set). A
+    /// null text is written as an empty one and decodes as an allocated empty string.
     char* svr_text4;
+    /// A number (an INTEGER, written from its signed 32-bit view and read back with the same bits).
     uint32_t svr_number1;
+    /// A number (an INTEGER, written from its signed 32-bit view and read back with the same bits).
     uint32_t svr_number2;
+    /// A number (an INTEGER, written from its signed 32-bit view and read back with the same bits).
     uint32_t svr_number3;
+    /// A number (an INTEGER, written from its signed 32-bit view and read back with the same bits).
     uint32_t svr_number4;
+    /// The number of entries of `svcs`.
     uint32_t svc_count;
+    /// An array of `svc_count` `aznadmsvc_s_t` records (a SEQUENCE OF their SEQUENCEs); null when
+    /// there are none.
     aznadmsvc_s_t* svcs;
+    /// The attributes, an attribute list held inline (its SEQUENCE nested).
     attrlist_s_t attrs;
 };
 

@@ -1,8 +1,9 @@
-// kelmasn: ASN.1 DER encoding of the access-control product's records.
-//
-// Including this header gives a caller every exported declaration: the runtime's buffers,
-// statuses and exceptions, the code-set converters, the DER inspection functions, and the
-// version macros of kelmasn_version.h.
+/// \file
+/// kelmasn: ASN.1 DER encoding of the access-control product's records.
+///
+/// Including this header gives a caller every exported declaration: the runtime's buffers,
+/// statuses and exceptions, the code-set converters, the DER inspection functions, and the
+/// version macros of kelmasn_version.h.
 #ifndef KELM_KELMASN_H
 #define KELM_KELMASN_H
 

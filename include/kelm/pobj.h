@@ -1,9 +1,10 @@
-// Protected objects: object spaces (a list of names with attributes), protected objects (two
-// numbers, a name and attributes) and the authorization service's internal form of a protected
-// object (the object and one further name).
-//
-// Ownership: a record filled by a decode entry point owns every string and array it points at;
-// kelmAsnFreeObj releases them (not the record itself).
+/// \file
+/// Protected objects: object spaces (a list of names with attributes), protected objects (two
+/// numbers, a name and attributes) and the authorization service's internal form of a protected
+/// object (the object and one further name).
+///
+/// Ownership: a record filled by a decode entry point owns every string and array it points at;
+/// kelmAsnFreeObj releases them (not the record itself).
 #ifndef KELM_POBJ_H
 #define KELM_POBJ_H
 
@@ -23,24 +24,35 @@ typedef struct pobj_s_t pobj_s_t;
 typedef struct azn_internal_pobj_s_t azn_internal_pobj_s_t;
 #endif
 
-// A protected-object space.
+/// A protected-object space.
 struct pobjspace_s_t {
+    /// The number of entries of `names`.
     uint32_t name_count;
+    /// Texts (a SEQUENCE OF UTF8String), `name_count` of them; null when there are none.
     char** names;
+    /// The attributes, an attribute list held inline (its SEQUENCE nested).
     attrlist_s_t attrs;
 };
 
-// A protected object.
+/// A protected object.
 struct pobj_s_t {
+    /// A number (an INTEGER, written from its signed 32-bit view and read back with the same bits).
     uint32_t first_number;
+    /// A number (an INTEGER, written from its signed 32-bit view and read back with the same bits).
     uint32_t second_number;
+    /// The name (a UTF8String; the LCS entry points convert it from and to the local code set). A
+    /// null text is written as an empty one and decodes as an allocated empty string.
     char* name;
+    /// The attributes, an attribute list held inline (its SEQUENCE nested).
     attrlist_s_t attrs;
 };
 
-// The authorization service's internal form of a protected object.
+/// The authorization service's internal form of a protected object.
 struct azn_internal_pobj_s_t {
+    /// The protected object, a `pobj_s_t` held inline (its SEQUENCE nested).
     pobj_s_t pobj;
+    /// The internal name (a UTF8String; the LCS entry points convert it from and to the local code
+    /// set). A null text is written as an empty one and decodes as an allocated empty string.
     char* internal_name;
 };
 

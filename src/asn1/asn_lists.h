@@ -1,8 +1,9 @@
-// Lists: SEQUENCE OF T, whose elements the list creates, owns and deletes, and a positional
-// array with holes, written as a SEQUENCE OF a CHOICE of NULL (an empty slot) or T (a filled
-// slot), so that the index of every element survives encoding.
-//
-// T is any value class with a constructor taking security_t.
+/// \file
+/// Lists: SEQUENCE OF T, whose elements the list creates, owns and deletes, and a positional
+/// array with holes, written as a SEQUENCE OF a CHOICE of NULL (an empty slot) or T (a filled
+/// slot), so that the index of every element survives encoding.
+///
+/// T is any value class with a constructor taking security_t.
 #ifndef KELM_ASN_LISTS_H
 #define KELM_ASN_LISTS_H
 
@@ -12,32 +13,35 @@
 #include "asn_constructed.h"
 #include "asn_source_site.h"
 
+/// The throw sites of the list templates, fixed values that existing callers match.
 namespace kelm_asn_list_sites {
 
-// The position that the memory exception of this file reports. Existing callers match this value
-// in the exception line: it must never change, whatever becomes of this file's layout.
-// A failed allocation of an element read by a SEQUENCE OF.
+/// The position that the memory exception of this file reports. Existing callers match this value
+/// in the exception line: it must never change, whatever becomes of this file's layout.
+/// A failed allocation of an element read by a SEQUENCE OF.
 inline constexpr kelm_source_site kSequenceOfElementSite = {"src/asn1/asn_lists.h", 41};
 
 } // namespace kelm_asn_list_sites
 
+/// SEQUENCE OF T: a list whose elements it creates, owns and deletes. A new list is present and
+/// empty; made optional, an empty list counts as absent and is not written.
 template <class T> class kelm_asn_sequenceof : public kelm_asn_sequence {
   public:
-    // A new list is present and empty.
+    /// A new list is present and empty.
     explicit kelm_asn_sequenceof(security_t sec = KELM_SECURITY_PLAIN) : kelm_asn_sequence(sec) {
         set_type_name("SEQUENCEOF");
         set_value_valid();
     }
 
-    // Deletes every element.
+    /// Deletes every element.
     ~kelm_asn_sequenceof() override {
         delete_elements();
         invalidate_encoding();
     }
 
-    // Reads elements of type T until the contents end (definite length) or an end-of-contents
-    // mark is next (indefinite length; the frame reader consumes the mark). An element that does
-    // not decode ends the read with its status; the elements read before it stay in the list.
+    /// Reads elements of type T until the contents end (definite length) or an end-of-contents
+    /// mark is next (indefinite length; the frame reader consumes the mark). An element that does
+    /// not decode ends the read with its status; the elements read before it stay in the list.
     unsigned int decode_value(kelm_r_buffer_t& input, unsigned int length) override {
         kelm_r_buffer_t contents = input;
         empty();
@@ -66,8 +70,8 @@ template <class T> class kelm_asn_sequenceof : public kelm_asn_sequence {
         return KELM_ASN_OK;
     }
 
-    // The elements' own validity is not examined: a list is valid when it is non-empty or may be
-    // empty.
+    /// The elements' own validity is not examined: a list is valid when it is non-empty or may be
+    /// empty.
     int check_valid(int) override {
         if (child_count == 0 && !get_empty_permitted()) {
             invalidate_value(KELM_INVALIDATE_CONTAINER);
@@ -85,14 +89,14 @@ template <class T> class kelm_asn_sequenceof : public kelm_asn_sequence {
         return 0;
     }
 
-    // An optional list that is empty counts as absent and is not written.
+    /// An optional list that is empty counts as absent and is not written.
     int set_optional(int value) override {
         if (value)
             set_empty_permitted(0);
         return kelm_asn_object::set_optional(value);
     }
 
-    // KELM_ASN_INDEX_RANGE when there is no element `index`.
+    /// KELM_ASN_INDEX_RANGE when there is no element `index`.
     virtual unsigned int delete_child(unsigned int index) {
         if (index >= child_count)
             return KELM_ASN_INDEX_RANGE;
@@ -106,12 +110,12 @@ template <class T> class kelm_asn_sequenceof : public kelm_asn_sequence {
         return KELM_ASN_OK;
     }
 
-    // A new element at the end; null when it cannot be allocated or registered.
+    /// A new element at the end; null when it cannot be allocated or registered.
     virtual T* add_child() { return add_element(false); }
-    // A new element at the front; null when it cannot be allocated or registered.
+    /// A new element at the front; null when it cannot be allocated or registered.
     virtual T* add_child_before() { return add_element(true); }
 
-    // Element `index`, null past the end.
+    /// Element `index`, null past the end.
     T* element(unsigned int index) const { return static_cast<T*>(get_child(index)); }
 
   private:
@@ -140,11 +144,16 @@ template <class T> class kelm_asn_sequenceof : public kelm_asn_sequence {
     }
 };
 
+/// A positional array with holes, written as SEQUENCE OF CHOICE { NULL, T }: an empty slot is a
+/// NULL, a filled one its T, so that the index of every element survives encoding. The element's
+/// frame and state are those of the list of slots, to which every operation is forwarded; its tag
+/// cannot be changed.
 template <class T> class kelm_asn_arrayof : public kelm_asn_composite {
   public:
-    // One slot on the wire: NULL for an empty slot (alternative 0), T for a filled one (1).
+    /// One slot on the wire: NULL for an empty slot (alternative 0), T for a filled one (1).
     class cherce : public kelm_asn_choice {
       public:
+        /// A slot with both alternatives registered and nothing selected.
         explicit cherce(security_t sec = KELM_SECURITY_PLAIN)
             : kelm_asn_choice(sec), filler(KELM_SECURITY_PLAIN), value(KELM_SECURITY_PLAIN) {
             register_child(&filler);
@@ -152,10 +161,11 @@ template <class T> class kelm_asn_arrayof : public kelm_asn_composite {
         }
         ~cherce() override = default;
 
-        kelm_asn_null filler;
-        T value;
+        kelm_asn_null filler; ///< alternative 0: the empty slot
+        T value;              ///< alternative 1: the slot's element
     };
 
+    /// An array with no slot.
     explicit kelm_asn_arrayof(security_t sec = KELM_SECURITY_PLAIN)
         : kelm_asn_composite(sec), elements(sec) {
         set_type_name("SARRAYOF");
@@ -185,7 +195,7 @@ template <class T> class kelm_asn_arrayof : public kelm_asn_composite {
     int should_generate_constructed() const override {
         return elements.should_generate_constructed();
     }
-    // The message is shared with the choice on purpose.
+    /// The message is shared with the choice on purpose.
     int set_tag(unsigned int) override { throw "Attempt to change tag of ASN.1 CHOICE object"; }
     int is_optional() const override { return elements.is_optional(); }
     int is_defaultable() const override { return elements.is_defaultable(); }
@@ -211,19 +221,20 @@ template <class T> class kelm_asn_arrayof : public kelm_asn_composite {
         return elements.check_encode_flags(expected);
     }
     int check_encode_flags() const override { return elements.check_encode_flags(); }
-    // The slots created from now on take the mode too.
+    /// The slots created from now on take the mode too.
     int set_secure(security_t sec) override {
         kelm_asn_composite::set_secure(sec);
         return elements.set_secure(sec);
     }
 
-    // The slots as they stand: each a cherce whose selected() is 0 (empty) or 1 (filled).
+    /// The slots as they stand: each a cherce whose selected() is 0 (empty) or 1 (filled).
     kelm_asn_sequenceof<cherce>& slots() { return elements; }
+    /// The slots as they stand, read only.
     const kelm_asn_sequenceof<cherce>& slots() const { return elements; }
 
-    // Fills slot `index` after the last slot written so far: empty slots (NULL) are appended up
-    // to it, then a filled one whose T is returned. Null when memory runs out or `index` is
-    // below the slots already written.
+    /// Fills slot `index` after the last slot written so far: empty slots (NULL) are appended up
+    /// to it, then a filled one whose T is returned. Null when memory runs out or `index` is
+    /// below the slots already written.
     T* fill_slot(unsigned int index) {
         if (index < elements.get_child_count())
             return nullptr;
@@ -240,7 +251,7 @@ template <class T> class kelm_asn_arrayof : public kelm_asn_composite {
         return &filled->value;
     }
 
-    // The T of slot `index` when that slot is filled, else null.
+    /// The T of slot `index` when that slot is filled, else null.
     T* slot_value(unsigned int index) const {
         cherce* slot = elements.element(index);
         return slot != nullptr && slot->selected() == 1 ? &slot->value : nullptr;

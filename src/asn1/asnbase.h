@@ -1,6 +1,7 @@
-// The ASN.1 runtime: buffers and allocation hooks, statuses and exceptions, the code-set
-// converters, and the value objects built on them. Including this header gives every runtime
-// declaration.
+/// \file
+/// The ASN.1 runtime: buffers and allocation hooks, statuses and exceptions, the code-set
+/// converters, and the value objects built on them. Including this header gives every runtime
+/// declaration.
 #ifndef KELM_ASNBASE_H
 #define KELM_ASNBASE_H
 

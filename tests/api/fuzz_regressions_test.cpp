@@ -13,6 +13,7 @@
 #include "der_inspect_properties.h"
 #include "der_walk_properties.h"
 #include "record_properties.h"
+#include "runtime_object_properties.h"
 
 namespace {
 
@@ -76,4 +77,12 @@ TEST(FuzzRegressions, EveryRegressionInputKeepsTheBerTreeProperties) {
 
 TEST(FuzzCorpus, EverySeedKeepsTheBerTreeProperties) {
     replay(kFuzzDir / "corpus" / "fuzz_ber_tree", kelmasn_fuzz::check_ber_tree);
+}
+
+TEST(FuzzRegressions, EveryRegressionInputKeepsTheRuntimeObjectProperties) {
+    replay(kFuzzDir / "regressions", kelmasn_fuzz::check_runtime_objects);
+}
+
+TEST(FuzzCorpus, EverySeedKeepsTheRuntimeObjectProperties) {
+    replay(kFuzzDir / "corpus" / "fuzz_runtime_objects", kelmasn_fuzz::check_runtime_objects);
 }
