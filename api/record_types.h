@@ -1,5 +1,9 @@
 // The record types with typed entry points, one line each, in the order of their families.
 // A line of this list registers its type with the tools and defines its five entry points.
+//
+// A line's position is also its type's identifier for C callers (KELM_RECORD_<record> of the
+// generated kelmasn_record_ids.h, see kelmasn_c.h), part of the library's ABI: a new type goes at
+// the end of the list, and no line moves.
 #ifndef KELM_RECORD_TYPES_H
 #define KELM_RECORD_TYPES_H
 

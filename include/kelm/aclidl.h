@@ -7,13 +7,24 @@
 #ifndef KELM_ACLIDL_H
 #define KELM_ACLIDL_H
 
-#include <cstddef>
-#include <cstdint>
+#include <stddef.h>
+#include <stdint.h>
 
 #include "asn_export.h"
 #include "attrlist.h"
 #include "kelm_asn_buffer.h"
 #include "principal.h"
+
+#ifndef __cplusplus
+#include <assert.h> // static_assert of the layout checks
+
+// C names the records without `struct`, as C++ does.
+typedef struct acl_permset_s_t acl_permset_s_t;
+typedef struct acl_entry_s_t acl_entry_s_t;
+typedef struct acl_ext_s_t acl_ext_s_t;
+typedef struct map_pobj_to_acl_s_t map_pobj_to_acl_s_t;
+typedef struct map_acl_to_pobj_s_t map_acl_to_pobj_s_t;
+#endif
 
 /// A permission set: a list of numbers, each carried with its 32-bit pattern.
 struct acl_permset_s_t {
@@ -84,10 +95,12 @@ static_assert(sizeof(map_acl_to_pobj_s_t) == 32, "map_acl_to_pobj_s_t layout");
 static_assert(offsetof(map_acl_to_pobj_s_t, names) == 8, "map_acl_to_pobj_s_t layout");
 static_assert(offsetof(map_acl_to_pobj_s_t, attrs) == 16, "map_acl_to_pobj_s_t layout");
 
+#ifdef __cplusplus
 KELM_DECLARE_ENTRY_POINTS(acl_permset_s_t);
 KELM_DECLARE_ENTRY_POINTS(map_pobj_to_acl_s_t);
 KELM_DECLARE_ENTRY_POINTS(acl_ext_s_t);
 KELM_DECLARE_ENTRY_POINTS(acl_entry_s_t);
 KELM_DECLARE_ENTRY_POINTS(map_acl_to_pobj_s_t);
+#endif
 
 #endif

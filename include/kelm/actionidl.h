@@ -9,13 +9,26 @@
 #ifndef KELM_ACTIONIDL_H
 #define KELM_ACTIONIDL_H
 
-#include <cstddef>
-#include <cstdint>
+#include <stddef.h>
+#include <stdint.h>
 
 #include "attrlist.h"
 
+#ifndef __cplusplus
+#include <assert.h> // static_assert of the layout checks
+
+// C names the records without `struct`, as C++ does.
+typedef struct ekaction_s_t ekaction_s_t;
+typedef struct ekaction_group_s_t ekaction_group_s_t;
+typedef struct ekaction_groups_s_t ekaction_groups_s_t;
+#endif
+
 /// The fixed number of slots of an action group and of the set of groups.
-inline constexpr unsigned int kelm_action_slot_count = 32;
+#define KELM_ACTION_SLOT_COUNT 32
+#ifdef __cplusplus
+/// The fixed number of slots of an action group and of the set of groups, for C++.
+inline constexpr unsigned int kelm_action_slot_count = KELM_ACTION_SLOT_COUNT;
+#endif
 
 /// A numbered action with three texts and two numbers that the product interprets.
 struct ekaction_s_t {
@@ -45,7 +58,7 @@ struct ekaction_group_s_t {
     char* group_name;
     /// `kelm_action_slot_count` (32) slots, each a pointer to an action in a block of its own or
     /// null for an empty slot; every slot keeps its position on the wire.
-    ekaction_s_t* actions[kelm_action_slot_count];
+    ekaction_s_t* actions[KELM_ACTION_SLOT_COUNT];
     /// The attributes, an attribute list held inline (its SEQUENCE nested).
     attrlist_s_t attrs;
 };
@@ -54,7 +67,7 @@ struct ekaction_group_s_t {
 struct ekaction_groups_s_t {
     /// `kelm_action_slot_count` (32) slots, each a pointer to an action group in a block of its own
     /// or null for an empty slot; every slot keeps its position on the wire.
-    ekaction_group_s_t* groups[kelm_action_slot_count];
+    ekaction_group_s_t* groups[KELM_ACTION_SLOT_COUNT];
     /// The attributes, an attribute list held inline (its SEQUENCE nested).
     attrlist_s_t attrs;
 };
@@ -72,8 +85,10 @@ static_assert(sizeof(ekaction_group_s_t) == 280, "an action group is 280 bytes")
 static_assert(offsetof(ekaction_groups_s_t, attrs) == 256, "ekaction_groups_s_t layout");
 static_assert(sizeof(ekaction_groups_s_t) == 272, "the set of action groups is 272 bytes");
 
+#ifdef __cplusplus
 KELM_DECLARE_ENTRY_POINTS(ekaction_groups_s_t);
 KELM_DECLARE_ENTRY_POINTS(ekaction_group_s_t);
 KELM_DECLARE_ENTRY_POINTS(ekaction_s_t);
+#endif
 
 #endif

@@ -7,11 +7,21 @@
 #ifndef KELM_ATTRLIST_H
 #define KELM_ATTRLIST_H
 
-#include <cstddef>
-#include <cstdint>
+#include <stddef.h>
+#include <stdint.h>
 
 #include "asn_export.h"
 #include "kelm_asn_buffer.h"
+
+#ifndef __cplusplus
+#include <assert.h> // static_assert of the layout checks
+
+// C names the records without `struct`, as C++ does.
+typedef struct uuid_t uuid_t;
+typedef struct value_s_t value_s_t;
+typedef struct attr_s_t attr_s_t;
+typedef struct attrlist_s_t attrlist_s_t;
+#endif
 
 /// The 16-byte identifier layout.
 struct uuid_t {
@@ -80,6 +90,7 @@ static_assert(offsetof(value_s_t, bin_length) == 16, "value_s_t layout");
 static_assert(sizeof(attr_s_t) == 24, "attr_s_t layout");
 static_assert(sizeof(attrlist_s_t) == 16, "attrlist_s_t layout");
 
+#ifdef __cplusplus
 /// Typed entry points, one set per record type. Encode fills `out` with the four-byte header and
 /// the DER encoding (release it with kelm_asn_buffer_free); decode fills the record, whose storage
 /// the caller releases with kelmAsnFreeObj. The LCS variants convert texts between the local code
@@ -95,5 +106,6 @@ KELM_DECLARE_ENTRY_POINTS(uuid_t);
 KELM_DECLARE_ENTRY_POINTS(value_s_t);
 KELM_DECLARE_ENTRY_POINTS(attr_s_t);
 KELM_DECLARE_ENTRY_POINTS(attrlist_s_t);
+#endif
 
 #endif

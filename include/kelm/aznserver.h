@@ -8,14 +8,35 @@
 #ifndef KELM_AZNSERVER_H
 #define KELM_AZNSERVER_H
 
-#include <cstddef>
-#include <cstdint>
+#include <stddef.h>
+#include <stdint.h>
 
 #include "asn_export.h"
 #include "attrlist.h"
 #include "eksvr_enc.h"
 #include "kelm_asn_buffer.h"
 #include "principal.h"
+
+#ifndef __cplusplus
+#include <assert.h> // static_assert of the layout checks
+
+// C names the records without `struct`, as C++ does.
+typedef struct aznadmin_gettasklist_in_s_t aznadmin_gettasklist_in_s_t;
+typedef struct aznadmin_performtask_in_s_t aznadmin_performtask_in_s_t;
+typedef struct aznadmin_getobjectlist_in_s_t aznadmin_getobjectlist_in_s_t;
+typedef struct aznadmin_getobject_in_s_t aznadmin_getobject_in_s_t;
+typedef struct aznadmin_gettasklist_out_s_t aznadmin_gettasklist_out_s_t;
+typedef struct aznadmin_performtask_out_s_t aznadmin_performtask_out_s_t;
+typedef struct aznadmin_getobjectlist_out_s_t aznadmin_getobjectlist_out_s_t;
+typedef struct aznadmin_getobject_out_s_t aznadmin_getobject_out_s_t;
+typedef struct aznserver_init_s_t aznserver_init_s_t;
+typedef struct azn_util_password_in_s_t azn_util_password_in_s_t;
+typedef struct azn_util_password_out_s_t azn_util_password_out_s_t;
+typedef struct azn_id_get_creds_in_s_t azn_id_get_creds_in_s_t;
+typedef struct azn_id_get_creds_out_s_t azn_id_get_creds_out_s_t;
+typedef struct azn_decision_ext_in_s_t azn_decision_ext_in_s_t;
+typedef struct azn_decision_ext_out_s_t azn_decision_ext_out_s_t;
+#endif
 
 /// An administration request for the task list: the caller's principal chain, one text and
 /// attributes.
@@ -227,6 +248,7 @@ static_assert(sizeof(azn_decision_ext_in_s_t) == 72, "decision request layout");
 static_assert(offsetof(azn_decision_ext_out_s_t, attrs) == 8, "decision reply layout");
 static_assert(sizeof(azn_decision_ext_out_s_t) == 32, "decision reply layout");
 
+#ifdef __cplusplus
 KELM_DECLARE_ENTRY_POINTS(aznadmin_gettasklist_in_s_t);
 KELM_DECLARE_ENTRY_POINTS(aznadmin_gettasklist_out_s_t);
 KELM_DECLARE_ENTRY_POINTS(aznadmin_performtask_in_s_t);
@@ -242,5 +264,6 @@ KELM_DECLARE_ENTRY_POINTS(azn_id_get_creds_in_s_t);
 KELM_DECLARE_ENTRY_POINTS(azn_id_get_creds_out_s_t);
 KELM_DECLARE_ENTRY_POINTS(azn_decision_ext_in_s_t);
 KELM_DECLARE_ENTRY_POINTS(azn_decision_ext_out_s_t);
+#endif
 
 #endif

@@ -8,13 +8,25 @@
 #ifndef KELM_EKACLOBJS_H
 #define KELM_EKACLOBJS_H
 
-#include <cstddef>
-#include <cstdint>
+#include <stddef.h>
+#include <stdint.h>
 
 #include "asn_export.h"
 #include "attrlist.h"
 #include "kelm_asn_buffer.h"
 #include "principal.h"
+
+#ifndef __cplusplus
+#include <assert.h> // static_assert of the layout checks
+
+// C names the records without `struct`, as C++ does.
+typedef struct ekauthzn_db_s_t ekauthzn_db_s_t;
+typedef struct ekextern_auth_s_t ekextern_auth_s_t;
+typedef struct ekattr_s_t ekattr_s_t;
+typedef struct ekextattr_s_t ekextattr_s_t;
+typedef struct azn_creds_mod_in_s_t azn_creds_mod_in_s_t;
+typedef struct azn_creds_mod_out_s_t azn_creds_mod_out_s_t;
+#endif
 
 /// The authorization-database header record.
 struct ekauthzn_db_s_t {
@@ -101,11 +113,13 @@ static_assert(offsetof(azn_creds_mod_in_s_t, chain) == 24, "azn_creds_mod_in_s_t
 static_assert(sizeof(azn_creds_mod_out_s_t) == 32, "azn_creds_mod_out_s_t layout");
 static_assert(offsetof(azn_creds_mod_out_s_t, result) == 24, "the result follows the inline chain");
 
+#ifdef __cplusplus
 KELM_DECLARE_ENTRY_POINTS(ekauthzn_db_s_t);
 KELM_DECLARE_ENTRY_POINTS(ekextern_auth_s_t);
 KELM_DECLARE_ENTRY_POINTS(ekextattr_s_t);
 KELM_DECLARE_ENTRY_POINTS(ekattr_s_t);
 KELM_DECLARE_ENTRY_POINTS(azn_creds_mod_in_s_t);
 KELM_DECLARE_ENTRY_POINTS(azn_creds_mod_out_s_t);
+#endif
 
 #endif

@@ -7,12 +7,23 @@
 #ifndef KELM_EKOBJ_H
 #define KELM_EKOBJ_H
 
-#include <cstddef>
-#include <cstdint>
+#include <stddef.h>
+#include <stdint.h>
 
 #include "asn_export.h"
 #include "attrlist.h"
 #include "kelm_asn_buffer.h"
+
+#ifndef __cplusplus
+#include <assert.h> // static_assert of the layout checks
+
+// C names the records without `struct`, as C++ does.
+typedef struct ip_addr_s_t ip_addr_s_t;
+typedef struct ekobj_t ekobj_t;
+typedef struct ekobj_list_s_t ekobj_list_s_t;
+typedef struct ekobj_name_list_s_t ekobj_name_list_s_t;
+typedef struct ekobj_db_header_s_t ekobj_db_header_s_t;
+#endif
 
 /// A network address. Both arrays always travel at their full size, whatever they hold.
 struct ip_addr_s_t {
@@ -95,10 +106,12 @@ static_assert(offsetof(ekobj_db_header_s_t, names) == 8, "ekobj_db_header_s_t la
 static_assert(offsetof(ekobj_db_header_s_t, attrs) == 16, "ekobj_db_header_s_t layout");
 static_assert(sizeof(ekobj_db_header_s_t) == 32, "ekobj_db_header_s_t layout");
 
+#ifdef __cplusplus
 KELM_DECLARE_ENTRY_POINTS(ip_addr_s_t);
 KELM_DECLARE_ENTRY_POINTS(ekobj_t);
 KELM_DECLARE_ENTRY_POINTS(ekobj_name_list_s_t);
 KELM_DECLARE_ENTRY_POINTS(ekobj_list_s_t);
 KELM_DECLARE_ENTRY_POINTS(ekobj_db_header_s_t);
+#endif
 
 #endif

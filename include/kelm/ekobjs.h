@@ -12,11 +12,20 @@
 #ifndef KELM_EKOBJS_H
 #define KELM_EKOBJS_H
 
-#include <cstddef>
-#include <cstdint>
+#include <stddef.h>
+#include <stdint.h>
 
 #include "asn_export.h"
 #include "kelm_asn_buffer.h"
+
+#ifndef __cplusplus
+#include <assert.h> // static_assert of the layout checks
+
+// C names the records without `struct`, as C++ does.
+typedef struct cert_request_in cert_request_in;
+typedef struct ekobj_update_s_t ekobj_update_s_t;
+typedef struct ekobj_update_list_s_t ekobj_update_list_s_t;
+#endif
 
 /// A certificate request: two texts and an optional body of arbitrary bytes.
 struct cert_request_in {
@@ -62,12 +71,17 @@ static_assert(offsetof(ekobj_update_list_s_t, updates) == 8, "ekobj_update_list_
 static_assert(sizeof(ekobj_update_list_s_t) == 16, "ekobj_update_list_s_t layout");
 
 /// The type codes of the type-code entry points; every other code is unknown.
+#ifdef __cplusplus
 enum : unsigned int {
+#else
+enum {
+#endif
     KELMASN_TYPE_CERT_REQUEST = 0x103,      ///< the record is a cert_request_in
     KELMASN_TYPE_EKOBJ_UPDATE_LIST = 0x104, ///< the record is an ekobj_update_list_s_t
     KELMASN_TYPE_INTEGER = 0x106,           ///< the record is an int, written as a bare INTEGER
 };
 
+#ifdef __cplusplus
 /// Encodes the record of type code `type` into `out`: the four-byte header with the low byte of
 /// `version`, then the encoding. Release the bytes with kelm_asn_buffer_free. Kept for
 /// compatibility with existing callers: a record that cannot be copied completely (a list whose
@@ -92,5 +106,6 @@ KELM_API unsigned int kelmasn_obj_free(int version, unsigned int type, void* rec
 /// `buffer`, any other value decodes `buffer`.
 KELM_API unsigned int main_func(int operation, int version, void* record, unsigned int type,
                                 kelm_asn_buffer_t& buffer);
+#endif
 
 #endif

@@ -8,13 +8,27 @@
 #ifndef KELM_EKPOPOBJS_H
 #define KELM_EKPOPOBJS_H
 
-#include <cstddef>
-#include <cstdint>
+#include <stddef.h>
+#include <stdint.h>
 
 #include "asn_export.h"
 #include "attrlist.h"
 #include "ekobj.h"
 #include "kelm_asn_buffer.h"
+
+#ifndef __cplusplus
+#include <assert.h> // static_assert of the layout checks
+
+// C names the records without `struct`, as C++ does.
+typedef struct ektod_range_s_t ektod_range_s_t;
+typedef struct ekaccess_times_s_t ekaccess_times_s_t;
+typedef struct ekpop_ipauth_s_t ekpop_ipauth_s_t;
+typedef struct ekpop_ipauth2_s_t ekpop_ipauth2_s_t;
+typedef struct ekpop_ipauth2_list_s_t ekpop_ipauth2_list_s_t;
+typedef struct ekpop_s_t ekpop_s_t;
+typedef struct ekmap_pop_to_pobj_s_t ekmap_pop_to_pobj_s_t;
+typedef struct ekmap_pobj_to_pop_s_t ekmap_pobj_to_pop_s_t;
+#endif
 
 /// A time-of-day range. The qualifier travels as a signed INTEGER and comes back with the same
 /// bit pattern.
@@ -132,6 +146,7 @@ static_assert(offsetof(ekmap_pobj_to_pop_s_t, names) == 8, "ekmap_pobj_to_pop_s_
 static_assert(offsetof(ekmap_pobj_to_pop_s_t, attrs) == 16, "ekmap_pobj_to_pop_s_t layout");
 static_assert(sizeof(ekmap_pobj_to_pop_s_t) == 32, "ekmap_pobj_to_pop_s_t layout");
 
+#ifdef __cplusplus
 KELM_DECLARE_ENTRY_POINTS(ektod_range_s_t);
 KELM_DECLARE_ENTRY_POINTS(ekaccess_times_s_t);
 KELM_DECLARE_ENTRY_POINTS(ekpop_ipauth_s_t);
@@ -140,5 +155,6 @@ KELM_DECLARE_ENTRY_POINTS(ekpop_s_t);
 KELM_DECLARE_ENTRY_POINTS(ekpop_ipauth2_list_s_t);
 KELM_DECLARE_ENTRY_POINTS(ekpop_ipauth2_s_t);
 KELM_DECLARE_ENTRY_POINTS(ekmap_pobj_to_pop_s_t);
+#endif
 
 #endif

@@ -7,12 +7,20 @@
 #ifndef KELM_EKSVR_ENC_H
 #define KELM_EKSVR_ENC_H
 
-#include <cstddef>
-#include <cstdint>
+#include <stddef.h>
+#include <stdint.h>
 
 #include "asn_export.h"
 #include "attrlist.h"
 #include "kelm_asn_buffer.h"
+
+#ifndef __cplusplus
+#include <assert.h> // static_assert of the layout checks
+
+// C names the records without `struct`, as C++ does.
+typedef struct aznadmsvc_s_t aznadmsvc_s_t;
+typedef struct aznlocal_svr_s_t aznlocal_svr_s_t;
+#endif
 
 /// An administration service entry.
 struct aznadmsvc_s_t {
@@ -69,7 +77,9 @@ static_assert(offsetof(aznlocal_svr_s_t, svcs) == 56, "aznlocal_svr_s_t layout")
 static_assert(offsetof(aznlocal_svr_s_t, attrs) == 64, "aznlocal_svr_s_t layout");
 static_assert(sizeof(aznlocal_svr_s_t) == 80, "aznlocal_svr_s_t layout");
 
+#ifdef __cplusplus
 KELM_DECLARE_ENTRY_POINTS(aznadmsvc_s_t);
 KELM_DECLARE_ENTRY_POINTS(aznlocal_svr_s_t);
+#endif
 
 #endif

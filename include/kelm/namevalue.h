@@ -8,13 +8,24 @@
 #ifndef KELM_NAMEVALUE_H
 #define KELM_NAMEVALUE_H
 
-#include <cstddef>
-#include <cstdint>
+#include <stddef.h>
+#include <stdint.h>
 
 #include "asn_export.h"
 #include "attrlist.h"
 #include "kelm_asn_buffer.h"
 #include "principal.h"
+
+#ifndef __cplusplus
+#include <assert.h> // static_assert of the layout checks
+
+// C names the records without `struct`, as C++ does.
+typedef struct namevalue_s_t namevalue_s_t;
+typedef struct namevalueList_s_t namevalueList_s_t;
+typedef struct remote_log_request remote_log_request;
+typedef struct azn_get_entitlements_in_s_t azn_get_entitlements_in_s_t;
+typedef struct azn_get_entitlements_out_s_t azn_get_entitlements_out_s_t;
+#endif
 
 /// A named list of text values with entries of its own type nested under it, each reached
 /// through its own pointer.
@@ -100,10 +111,12 @@ static_assert(sizeof(azn_get_entitlements_out_s_t) == 24, "azn_get_entitlements_
 static_assert(offsetof(azn_get_entitlements_out_s_t, status) == 16,
               "azn_get_entitlements_out_s_t layout");
 
+#ifdef __cplusplus
 KELM_DECLARE_ENTRY_POINTS(namevalueList_s_t);
 KELM_DECLARE_ENTRY_POINTS(namevalue_s_t);
 KELM_DECLARE_ENTRY_POINTS(remote_log_request);
 KELM_DECLARE_ENTRY_POINTS(azn_get_entitlements_in_s_t);
 KELM_DECLARE_ENTRY_POINTS(azn_get_entitlements_out_s_t);
+#endif
 
 #endif

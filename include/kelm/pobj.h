@@ -8,12 +8,21 @@
 #ifndef KELM_POBJ_H
 #define KELM_POBJ_H
 
-#include <cstddef>
-#include <cstdint>
+#include <stddef.h>
+#include <stdint.h>
 
 #include "asn_export.h"
 #include "attrlist.h"
 #include "kelm_asn_buffer.h"
+
+#ifndef __cplusplus
+#include <assert.h> // static_assert of the layout checks
+
+// C names the records without `struct`, as C++ does.
+typedef struct pobjspace_s_t pobjspace_s_t;
+typedef struct pobj_s_t pobj_s_t;
+typedef struct azn_internal_pobj_s_t azn_internal_pobj_s_t;
+#endif
 
 /// A protected-object space.
 struct pobjspace_s_t {
@@ -58,8 +67,10 @@ static_assert(sizeof(pobj_s_t) == 32, "pobj_s_t layout");
 static_assert(offsetof(azn_internal_pobj_s_t, internal_name) == 32, "azn_internal_pobj_s_t layout");
 static_assert(sizeof(azn_internal_pobj_s_t) == 40, "azn_internal_pobj_s_t layout");
 
+#ifdef __cplusplus
 KELM_DECLARE_ENTRY_POINTS(pobjspace_s_t);
 KELM_DECLARE_ENTRY_POINTS(azn_internal_pobj_s_t);
 KELM_DECLARE_ENTRY_POINTS(pobj_s_t);
+#endif
 
 #endif

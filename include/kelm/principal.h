@@ -8,12 +8,24 @@
 #ifndef KELM_PRINCIPAL_H
 #define KELM_PRINCIPAL_H
 
-#include <cstddef>
-#include <cstdint>
+#include <stddef.h>
+#include <stdint.h>
 
 #include "asn_export.h"
 #include "attrlist.h"
 #include "kelm_asn_buffer.h"
+
+#ifndef __cplusplus
+#include <assert.h> // static_assert of the layout checks
+
+// C names the records without `struct`, as C++ does.
+typedef struct sec_id_t sec_id_t;
+typedef struct sec_id_pa_t sec_id_pa_t;
+typedef struct ekprincipal_s_t ekprincipal_s_t;
+typedef struct ekprincipal_chain_s_t ekprincipal_chain_s_t;
+typedef struct dbr_get_db_in_s_t dbr_get_db_in_s_t;
+typedef struct dbr_get_db_out_s_t dbr_get_db_out_s_t;
+#endif
 
 /// A security identifier: an identifier and a name.
 struct sec_id_t {
@@ -97,11 +109,13 @@ static_assert(offsetof(ekprincipal_chain_s_t, principals) == 16, "ekprincipal_ch
 static_assert(sizeof(dbr_get_db_in_s_t) == 4, "dbr_get_db_in_s_t layout");
 static_assert(sizeof(dbr_get_db_out_s_t) == 12, "dbr_get_db_out_s_t layout");
 
+#ifdef __cplusplus
 KELM_DECLARE_ENTRY_POINTS(ekprincipal_chain_s_t);
 KELM_DECLARE_ENTRY_POINTS(ekprincipal_s_t);
 KELM_DECLARE_ENTRY_POINTS(sec_id_pa_t);
 KELM_DECLARE_ENTRY_POINTS(sec_id_t);
 KELM_DECLARE_ENTRY_POINTS(dbr_get_db_in_s_t);
 KELM_DECLARE_ENTRY_POINTS(dbr_get_db_out_s_t);
+#endif
 
 #endif

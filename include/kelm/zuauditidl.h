@@ -13,10 +13,19 @@
 #ifndef KELM_ZUAUDITIDL_H
 #define KELM_ZUAUDITIDL_H
 
-#include <cstddef>
-#include <cstdint>
+#include <stddef.h>
+#include <stdint.h>
 
 #include "attrlist.h"
+
+#ifndef __cplusplus
+#include <assert.h> // static_assert of the layout checks
+
+// C names the records without `struct`, as C++ does.
+typedef struct zuauditattribute_s_t zuauditattribute_s_t;
+typedef struct zuauditelement_s_t zuauditelement_s_t;
+typedef struct zuauditevent_s_t zuauditevent_s_t;
+#endif
 
 /// A named byte value.
 struct zuauditattribute_s_t {
@@ -83,8 +92,10 @@ static_assert(offsetof(zuauditevent_s_t, element_count) == 20,
 static_assert(offsetof(zuauditevent_s_t, elements) == 24, "zuauditevent_s_t layout");
 static_assert(sizeof(zuauditevent_s_t) == 32, "zuauditevent_s_t layout");
 
+#ifdef __cplusplus
 KELM_DECLARE_ENTRY_POINTS(zuauditevent_s_t);
 KELM_DECLARE_ENTRY_POINTS(zuauditelement_s_t);
 KELM_DECLARE_ENTRY_POINTS(zuauditattribute_s_t);
+#endif
 
 #endif

@@ -6,7 +6,14 @@
 #ifndef KELM_ASN_BUFFER_RECORD_H
 #define KELM_ASN_BUFFER_RECORD_H
 
-#include <cstddef>
+#include <stddef.h>
+
+#ifndef __cplusplus
+#include <assert.h> // static_assert of the layout checks
+
+// C names the records without `struct`, as C++ does.
+typedef struct kelm_asn_buffer_t kelm_asn_buffer_t;
+#endif
 
 /// Encoded bytes as the entry points take and give them: a length and a pointer. An encode entry
 /// point fills it with a malloc'ed block that the caller releases with kelm_asn_buffer_free; a

@@ -182,6 +182,37 @@ const char* const kTypeCodeEntryPoints[] = {
     "kelm_v37_asnbase::kelm_v37_asnbase(security_t)",
 };
 
+// The entry points for C callers (kelmasn_c.h), with C linkage: unmangled names.
+const char* const kCEntryPoints[] = {
+    "kelmasn_c_encode",
+    "kelmasn_c_decode",
+    "kelmasn_c_encode_lcs",
+    "kelmasn_c_decode_lcs",
+    "kelmasn_c_free",
+    "kelmasn_c_record_type_count",
+    "kelmasn_c_record_type_name",
+    "kelmasn_c_record_type_named",
+    "kelmasn_c_encode_obj",
+    "kelmasn_c_decode_obj",
+    "kelmasn_c_obj_free",
+    "kelmasn_c_version",
+    "kelmasn_c_buffer_copy",
+    "kelmasn_c_buffer_free",
+    "kelmasn_c_status_text",
+    "kelmasn_c_library_version",
+    "kelmasn_c_get_type",
+    "kelmasn_c_get_length",
+    "kelmasn_c_get_integer_value",
+    "kelmasn_c_get_integer_bytes",
+    "kelmasn_c_get_long_integer_value_little_endian",
+    "kelmasn_c_get_long_integer_value_big_endian",
+    "kelmasn_c_get_null_value",
+    "kelmasn_c_get_bitstring_value",
+    "kelmasn_c_get_charstring_value",
+    "kelmasn_c_get_octetstring_value",
+    "kelmasn_c_get_oid_value",
+};
+
 void expect_all_exported(const std::set<std::string>& names, const char* const* begin,
                          const char* const* end) {
     for (const char* const* name = begin; name != end; ++name)
@@ -224,6 +255,12 @@ TEST(DynamicSymbols, TheTypeCodeEntryPointsTheirDispatcherAndClassesAreExported)
     const std::set<std::string> names = exported_names();
     ASSERT_FALSE(names.empty());
     expect_all_exported(names, std::begin(kTypeCodeEntryPoints), std::end(kTypeCodeEntryPoints));
+}
+
+TEST(DynamicSymbols, TheCEntryPointsAreExportedWithCLinkage) {
+    const std::set<std::string> names = exported_names(false);
+    ASSERT_FALSE(names.empty());
+    expect_all_exported(names, std::begin(kCEntryPoints), std::end(kCEntryPoints));
 }
 
 TEST(DynamicSymbols, EveryKnownRecordTypeHasItsFiveEntryPoints) {

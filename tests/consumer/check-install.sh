@@ -9,11 +9,11 @@
 # usage: check-install.sh SOURCE_DIR BUILD_DIR WORK_DIR CXX GENERATOR VERSION
 set -euo pipefail
 
-if [ $# -ne 6 ]; then
-  echo "usage: $0 SOURCE_DIR BUILD_DIR WORK_DIR CXX GENERATOR VERSION" >&2
+if [ $# -ne 7 ]; then
+  echo "usage: $0 SOURCE_DIR BUILD_DIR WORK_DIR CXX GENERATOR VERSION CC" >&2
   exit 2
 fi
-source_dir=$1 build_dir=$2 work=$3 cxx=$4 generator=$5 version=$6
+source_dir=$1 build_dir=$2 work=$3 cxx=$4 generator=$5 version=$6 cc=$7
 prefix=$work/prefix
 consumer_src=$source_dir/tests/consumer
 
@@ -109,6 +109,22 @@ unset PKG_CONFIG_PATH
   fail "the consumer does not build with pkg-config"
 needs_shared_library "pkg-config consumer" "$work/consumer_pkgconfig" yes
 check_output "pkg-config consumer" "$work/consumer_pkgconfig"
+
+# A C caller, with pkg-config and the C compiler: 35 bytes are the header and the attribute list
+# SEQUENCE { SEQUENCE OF { SEQUENCE { "groups", SEQUENCE OF { SEQUENCE { 1, "admins", ''H } } } } }.
+# shellcheck disable=SC2046 # the flags are meant to split into words
+"$cc" -std=c11 -Wall -Wextra -Werror "$consumer_src/consumer_c.c" -o "$work/consumer_c" \
+  $(pkg-config --cflags --libs kelmasn) -Wl,-rpath,"$(pkg-config --variable=libdir kelmasn)" ||
+  fail "the C consumer does not build with pkg-config"
+needs_shared_library "C consumer" "$work/consumer_c" yes
+c_expected="attrlist_s_t encoded in 35 bytes
+groups = admins"
+c_got=$("$work/consumer_c") || fail "the C consumer exited with status $?"
+[ "$c_got" = "$c_expected" ] || fail "the C consumer printed:
+$c_got
+instead of:
+$c_expected"
+echo "ok: C consumer prints the expected text"
 
 # A CMake project with find_package(kelmasn), searching this prefix only.
 cmake -S "$consumer_src" -B "$work/cmake-build" -G "$generator" -DCMAKE_CXX_COMPILER="$cxx" \
