@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "ber_tree.h"
+#include "check.h"
 #include "input.h"
 #include "messages.h"
 #include "subcommands.h"
@@ -29,7 +30,8 @@ bool library_encoding(const ToolType& type, const std::vector<unsigned char>& by
     const int version = bytes.size() >= 2 ? bytes[1] : 2;
     unsigned int status = decode_record(type, record.bytes, in, version, false);
     if (status != 0) {
-        complain(path + ": cannot decode " + type.type->record_name + ": " + status_line(status));
+        complain(path + ": cannot decode " + type.type->record_name + ": " + status_line(status) +
+                 mismatch_of(type, bytes));
         return false;
     }
     kelm_asn_buffer_t encoded{0, nullptr};
@@ -44,38 +46,27 @@ bool library_encoding(const ToolType& type, const std::vector<unsigned char>& by
 }
 
 // What keeps a buffer from being what the library writes: BER-only forms, bytes after the
-// record, and with a type, any other difference from the library's encoding of its record.
+// record, and with a type, the first difference from the library's encoding of its record. Each
+// finding names its offset, and with a type the field path.
 bool buffer_findings(const std::vector<unsigned char>& bytes, const std::string& path,
                      const ToolType* type, std::vector<std::string>& findings) {
-    const size_t start = record_offset(bytes);
-    if (start == 0)
-        findings.push_back("offset 0: no header 04 vv AC DC");
-    else if (start != 4)
-        findings.push_back("offset 0: a header of " + std::to_string(start) +
-                           " octets, where the library writes 4");
-    kelmasn_tool::BerNode node;
+    std::vector<CheckFinding> found;
     std::string error;
-    if (!kelmasn_tool::parse_ber(bytes, start, KELM_ASN_MAX_NESTING, node, error)) {
+    if (!find_ber_forms(bytes, type != nullptr ? type->type : nullptr, found, error)) {
         complain(path + ": " + error);
         return false;
     }
-    kelmasn_tool::find_ber_only(node, findings);
-    if (node.end < bytes.size())
-        findings.push_back("offset " + std::to_string(node.end) + ": " +
-                           std::to_string(bytes.size() - node.end) + " bytes after the record");
-    if (type != nullptr && findings.empty()) {
+    if (type != nullptr && found.empty()) {
         std::vector<unsigned char> library;
         if (!library_encoding(*type, bytes, path, library))
             return false;
-        if (library != bytes) {
-            size_t at = 0;
-            while (at < library.size() && at < bytes.size() && library[at] == bytes[at])
-                ++at;
-            findings.push_back("offset " + std::to_string(at) + ": differs from the library's " +
-                               "encoding of this " + type->type->record_name +
-                               " (a value equal to its default, or another form)");
+        if (!find_library_difference(bytes, library, *type->type, found, error)) {
+            complain(path + ": " + error);
+            return false;
         }
     }
+    for (const CheckFinding& finding : found)
+        findings.push_back(finding.line());
     return true;
 }
 

@@ -48,9 +48,12 @@ int run_craft(const std::string& type_name, const std::string& path, const std::
     }
     kelm_asn_buffer_t encoded{0, nullptr};
     const unsigned int status = encode_record(*type, record.bytes, encoded, 2, false);
-    if (status != 0)
+    if (status != 0) {
+        const std::string field = refused_field(*type, document, {}, 2, false);
         return complain(path + ": cannot encode " + type->type->record_name + ": " +
-                        status_line(status));
+                        status_line(status) +
+                        (field.empty() ? "" : "; the field it refuses: " + field));
+    }
     const std::vector<unsigned char> der(encoded.data, encoded.data + encoded.length);
     kelm_asn_buffer_free(encoded);
     kelmasn_tool::BerNode node;

@@ -69,7 +69,7 @@ int run_diff(const std::string& first, const std::string& second, const std::str
             decode_record(*type, record.bytes, in, bytes.size() >= 2 ? bytes[1] : 2, false);
         if (status != 0)
             return complain(paths[i] + ": cannot decode " + type->type->record_name + ": " +
-                            status_line(status));
+                            status_line(status) + mismatch_of(*type, bytes));
         records[i] = decoded_json(*type, record.bytes, bytes);
     }
     std::vector<std::string> differences;

@@ -18,7 +18,8 @@ namespace {
 
 // inspect: the header checked and shown, then the element tree labelled with field paths when
 // the buffer decodes as the type (given, or with auto the first that decodes it). Where it does
-// not, the tree is shown untyped and the library's status named; exit status 1.
+// not, the tree is labelled up to the first element that does not fit the type and shown untyped
+// from there, and that element and the library's status are named; exit status 1.
 int run_inspect(const std::string& path, const std::string& type_name) {
     std::vector<unsigned char> bytes;
     std::string error;
@@ -63,7 +64,12 @@ int run_inspect(const std::string& path, const std::string& type_name) {
     const unsigned int status =
         decode_record(*type, record.bytes, in, bytes.size() > 1 ? bytes[1] : 2, false);
     if (status != 0) {
-        show_untyped();
+        // Labelled as far as the elements fit the type's shape, untyped from the first that does
+        // not.
+        kelmasn_tool::inspect_by_shape(bytes, tree, kelmasn_tool::label_by_shape(tree, *type->type),
+                                       out);
+        std::fputs(out.c_str(), stdout);
+        std::fflush(stdout);
         return complain(path + ": does not decode as " + type->type->record_name + ": " +
                         status_line(status) + mismatch_of(*type, bytes));
     }

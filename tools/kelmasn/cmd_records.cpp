@@ -143,7 +143,7 @@ int run_decode(const std::string& type_name, const std::string& path,
         decode_record(*type, record.bytes, buffer, options.version, options.local);
     if (status != 0)
         return complain(path + ": cannot decode " + type->type->record_name + ": " +
-                        status_line(status) + mismatch_of(*type, bytes));
+                        status_line(status) + mismatch_of(*type, bytes, options.version));
     if (!check_trailing(path, bytes, options))
         return 1;
     kelmasn_tool::JsonOptions json_options;
@@ -186,9 +186,13 @@ int run_encode(const std::string& type_name, const std::string& path, const std:
     kelm_asn_buffer_t buffer{0, nullptr};
     const unsigned int status =
         encode_record(*type, record.bytes, buffer, options.version, options.local);
-    if (status != 0)
+    if (status != 0) {
+        const std::string field =
+            refused_field(*type, document, json_options, options.version, options.local);
         return complain(path + ": cannot encode " + type->type->record_name + ": " +
-                        status_line(status));
+                        status_line(status) +
+                        (field.empty() ? "" : "; the field it refuses: " + field));
+    }
     const bool written = write_output(output, buffer);
     kelm_asn_buffer_free(buffer);
     if (!written)

@@ -131,13 +131,89 @@ nlohmann::ordered_json decoded_json(const ToolType& type, const void* record,
     return kelmasn_tool::record_to_json(*type.type, record, options);
 }
 
-std::string mismatch_of(const ToolType& type, const std::vector<unsigned char>& bytes) {
+std::string mismatch_of(const ToolType& type, const std::vector<unsigned char>& bytes,
+                        int version) {
+    const size_t start = record_offset(bytes);
+    if (start == 0)
+        return "; offset 0: no header 04 vv AC DC";
+    if (version >= 0 && bytes[1] != version)
+        return "; offset 1: the header's version is " + std::to_string(bytes[1]) + ", not " +
+               std::to_string(version);
     kelmasn_tool::BerNode tree;
     std::string error;
-    if (!kelmasn_tool::parse_ber(bytes, record_offset(bytes), KELM_ASN_MAX_NESTING, tree, error))
+    if (!kelmasn_tool::parse_ber(bytes, start, KELM_ASN_MAX_NESTING, tree, error))
         return "; " + error;
     const std::string mismatch = kelmasn_tool::first_mismatch(bytes, tree, *type.type);
     return mismatch.empty() ? "" : "; the first element that does not fit: " + mismatch;
+}
+
+namespace {
+
+// Whether `document` reads as a record of `type` that the library encodes.
+bool encodes(const ToolType& type, const nlohmann::ordered_json& document,
+             const JsonOptions& options, int version, bool local) {
+    RecordStorage record(type);
+    if (record.bytes == nullptr)
+        return false;
+    try {
+        record_from_json(*type.type, document, record.bytes, options);
+    } catch (const JsonFieldError&) {
+        return false;
+    }
+    kelm_asn_buffer_t out{0, nullptr};
+    const unsigned int status = encode_record(type, record.bytes, out, version, local);
+    kelm_asn_buffer_free(out);
+    return status == 0;
+}
+
+// The smallest value of the same JSON type: a list entry or text emptied, a number made 0.
+nlohmann::ordered_json emptied(const nlohmann::ordered_json& value) {
+    if (value.is_object())
+        return nlohmann::ordered_json::object();
+    if (value.is_array())
+        return nlohmann::ordered_json::array();
+    if (value.is_string())
+        return "";
+    if (value.is_number())
+        return 0;
+    return value;
+}
+
+} // namespace
+
+std::string refused_field(const ToolType& type, const nlohmann::ordered_json& document,
+                          JsonOptions options, int version, bool local) {
+    options.strict = false; // a field left out is zero while the value is looked for
+    nlohmann::ordered_json trial = document;
+    nlohmann::ordered_json::json_pointer at;
+    std::string path;
+    for (;;) {
+        const nlohmann::ordered_json& here = trial[at];
+        bool descended = false;
+        if (here.is_object()) {
+            for (auto it = here.begin(); it != here.end() && !descended; ++it) {
+                nlohmann::ordered_json without = trial;
+                without[at].erase(it.key());
+                if (encodes(type, without, options, version, local)) {
+                    path += (path.empty() ? "" : ".") + it.key();
+                    at /= it.key();
+                    descended = true;
+                }
+            }
+        } else if (here.is_array()) {
+            for (size_t i = 0; i < here.size() && !descended; ++i) {
+                nlohmann::ordered_json without = trial;
+                without[at][i] = emptied(here[i]);
+                if (encodes(type, without, options, version, local)) {
+                    path += "[" + std::to_string(i) + "]";
+                    at /= i;
+                    descended = true;
+                }
+            }
+        }
+        if (!descended)
+            return path;
+    }
 }
 
 } // namespace kelmasn_tool

@@ -87,10 +87,19 @@ nlohmann::ordered_json decoded_json(const ToolType& type, const void* record,
                                     const std::vector<unsigned char>& bytes,
                                     JsonOptions options = {});
 
-// Where a buffer that does not decode as `type` stops fitting its shape, for the error line:
-// "; the first element that does not fit: offset N: path: ...", or nothing when its elements do
-// not even parse or all fit (the library refused something else, such as a value).
-std::string mismatch_of(const ToolType& type, const std::vector<unsigned char>& bytes);
+// Where a buffer that does not decode as `type` stops fitting it, for the error line: a missing
+// header ("; offset 0: ..."), a header version other than `version` (unless negative), elements
+// that do not parse ("; offset N: ...") or the first element that does not fit the type's shape
+// ("; the first element that does not fit: offset N: path: ..."); nothing when all fit (the
+// library refused something else, such as a value).
+std::string mismatch_of(const ToolType& type, const std::vector<unsigned char>& bytes,
+                        int version = -1);
+
+// The field of a JSON record of `type` whose value the library refuses to encode: the deepest value
+// that, left out or emptied (a list entry, a text, a number), lets the rest of the document encode
+// with `options`, `version` and, for `local`, the local code set. Empty when no one value does.
+std::string refused_field(const ToolType& type, const nlohmann::ordered_json& document,
+                          JsonOptions options, int version, bool local);
 
 } // namespace kelmasn_tool
 
