@@ -7,6 +7,7 @@
 
 #include "ber_tree.h"
 #include "check.h"
+#include "color.h"
 #include "input.h"
 #include "messages.h"
 #include "subcommands.h"
@@ -85,7 +86,7 @@ int run_check(const std::string& path, const std::string& type_name) {
     if (!buffer_findings(bytes, path, type, findings))
         return 1;
     for (const std::string& finding : findings)
-        std::cout << finding << "\n";
+        std::cout << paint_finding(finding, stdout) << "\n";
     return findings.empty() ? 0 : 1;
 }
 
@@ -106,7 +107,8 @@ int run_canon(const std::string& path, const std::string& type_name, const std::
     std::vector<std::string> findings;
     buffer_findings(bytes, path, nullptr, findings);
     for (const std::string& finding : findings)
-        std::fprintf(stderr, "kelmasn: %s: %s\n", path.c_str(), finding.c_str());
+        std::fprintf(stderr, "%s %s: %s\n", paint_program_name(stderr).c_str(), path.c_str(),
+                     paint_finding(finding, stderr).c_str());
     const kelm_asn_buffer_t buffer{library.size(), library.data()};
     return write_output(output, buffer) ? 0 : complain("cannot write " + output);
 }

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "color.h"
 #include "der_dump.h"
 #include "input.h"
 #include "messages.h"
@@ -23,6 +24,7 @@ int run_der(const std::string& path) {
     std::string out;
     kelmasn_tool::DumpError failure{0, ""};
     const bool ok = kelmasn_tool::dump_der(std::move(bytes), out, failure);
+    out = paint_tree(out, stdout);
     std::fwrite(out.data(), 1, out.size(), stdout);
     std::fflush(stdout);
     if (!ok)

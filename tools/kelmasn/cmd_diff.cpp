@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "color.h"
 #include "input.h"
 #include "messages.h"
 #include "subcommands.h"
@@ -75,7 +76,7 @@ int run_diff(const std::string& first, const std::string& second, const std::str
     std::vector<std::string> differences;
     json_differences(records[0], records[1], "", differences);
     for (const std::string& difference : differences)
-        std::cout << difference << "\n";
+        std::cout << paint_finding(difference, stdout) << "\n";
     return differences.empty() ? 0 : 1;
 }
 

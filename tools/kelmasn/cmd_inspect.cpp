@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "ber_tree.h"
+#include "color.h"
 #include "input.h"
 #include "inspect.h"
 #include "messages.h"
@@ -27,9 +28,13 @@ int run_inspect(const std::string& path, const std::string& type_name) {
         return complain(error);
     const size_t start = record_offset(bytes);
     if (start != 0)
-        std::printf("%6u  header: length %zu, version %u, magic AC DC\n", 0u, start, bytes[1]);
+        std::printf("%s",
+                    paint_tree("     0  header: length " + std::to_string(start) + ", version " +
+                                   std::to_string(bytes[1]) + ", magic AC DC\n",
+                               stdout)
+                        .c_str());
     else
-        std::printf("     -  no header 04 vv AC DC\n");
+        std::printf("%s", paint_tree("     -  no header 04 vv AC DC\n", stdout).c_str());
     kelmasn_tool::BerNode tree;
     if (!kelmasn_tool::parse_ber(bytes, start, KELM_ASN_MAX_NESTING, tree, error)) {
         std::fflush(stdout);
@@ -39,7 +44,7 @@ int run_inspect(const std::string& path, const std::string& type_name) {
     // The tree unlabelled, for a buffer without a type or one that does not decode as it.
     const auto show_untyped = [&] {
         kelmasn_tool::inspect_untyped(bytes, tree, out);
-        std::fputs(out.c_str(), stdout);
+        std::fputs(paint_tree(out, stdout).c_str(), stdout);
         std::fflush(stdout);
     };
     ToolType found{nullptr, 0};
@@ -68,14 +73,14 @@ int run_inspect(const std::string& path, const std::string& type_name) {
         // not.
         kelmasn_tool::inspect_by_shape(bytes, tree, kelmasn_tool::label_by_shape(tree, *type->type),
                                        out);
-        std::fputs(out.c_str(), stdout);
+        std::fputs(paint_tree(out, stdout).c_str(), stdout);
         std::fflush(stdout);
         return complain(path + ": does not decode as " + type->type->record_name + ": " +
                         status_line(status) + mismatch_of(*type, bytes));
     }
     const bool labelled =
         kelmasn_tool::inspect_record(bytes, tree, *type->type, record.bytes, out, error);
-    std::fputs(out.c_str(), stdout);
+    std::fputs(paint_tree(out, stdout).c_str(), stdout);
     std::fflush(stdout);
     if (!labelled)
         return complain(path + ": " + error);

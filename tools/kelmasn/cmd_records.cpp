@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "color.h"
 #include "der_dump.h"
 #include "input.h"
 #include "json_records.h"
@@ -104,8 +105,8 @@ int run_decode_auto(const std::string& path, const RecordOptions& options) {
     std::string names;
     for (size_t i = 1; i < exact.size(); ++i)
         names += std::string(i > 1 ? ", " : "") + exact[i].type->record_name;
-    std::fprintf(stderr, "kelmasn: %s: decodes as %s%s%s\n", path.c_str(),
-                 exact[0].type->record_name,
+    std::fprintf(stderr, "%s %s: decodes as %s%s%s\n", paint_program_name(stderr).c_str(),
+                 path.c_str(), exact[0].type->record_name,
                  exact.size() - decodes.size() > 0 ? " (and encodes back to the same bytes)" : "",
                  names.empty() ? "" : ("; also as " + names).c_str());
     RecordStorage record(exact[0]);

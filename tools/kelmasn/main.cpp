@@ -9,6 +9,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "color.h"
 #include "kelm/kelmasn.h"
 #include "messages.h"
 #include "subcommands.h"
@@ -37,8 +38,10 @@ int main(int argc, char** argv) {
     app.name("kelmasn");
     app.require_subcommand(1);
     std::vector<Subcommand> subcommands;
-    for (const AddSubcommand add : kSubcommands)
+    for (const AddSubcommand add : kSubcommands) {
         subcommands.push_back(add(app));
+        kelmasn_tool::add_color_option(*subcommands.back().app);
+    }
 
     // "kelmasn help [SUBCOMMAND]" is --help; any other first word must be a subcommand.
     if (argc >= 2 && std::strcmp(argv[1], "help") == 0) {

@@ -2,15 +2,18 @@
 
 #include <cstdio>
 
+#include "color.h"
+
 namespace kelmasn_tool {
 
 int complain(const std::string& message) {
-    std::fprintf(stderr, "kelmasn: %s\n", message.c_str());
+    std::fprintf(stderr, "%s %s\n", paint_program_name(stderr).c_str(), message.c_str());
     return 1;
 }
 
 int usage_error(const std::string& message) {
-    std::fprintf(stderr, "kelmasn: %s (kelmasn --help describes the usage)\n", message.c_str());
+    std::fprintf(stderr, "%s %s (kelmasn --help describes the usage)\n",
+                 paint_program_name(stderr).c_str(), message.c_str());
     return 2;
 }
 
