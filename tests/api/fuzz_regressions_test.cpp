@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "ber_tree_properties.h"
+#include "check_inspect_properties.h"
 #include "der_inspect_properties.h"
 #include "der_walk_properties.h"
 #include "record_properties.h"
@@ -76,4 +77,12 @@ TEST(FuzzRegressions, EveryRegressionInputKeepsTheBerTreeProperties) {
 
 TEST(FuzzCorpus, EverySeedKeepsTheBerTreeProperties) {
     replay(kFuzzDir / "corpus" / "fuzz_ber_tree", kelmasn_fuzz::check_ber_tree);
+}
+
+TEST(FuzzRegressions, EveryRegressionInputKeepsTheCheckAndInspectProperties) {
+    replay(kFuzzDir / "regressions", kelmasn_fuzz::check_check_and_inspect);
+}
+
+TEST(FuzzCorpus, EverySeedKeepsTheCheckAndInspectProperties) {
+    replay(kFuzzDir / "corpus" / "fuzz_check_inspect", kelmasn_fuzz::check_check_and_inspect);
 }
