@@ -151,7 +151,16 @@ bool parse_json(const std::string& path, const std::vector<unsigned char>& bytes
         const size_t bracket = what.find("] ");
         if (what.rfind("[json.exception", 0) == 0 && bracket != std::string::npos)
             what.erase(0, bracket + 2);
-        complain(path + ": not JSON: " + what);
+        // The parser quotes what it last read as it was, which need not be text: octets outside
+        // printable ASCII are shown as \xNN, so that the line stays one line of text.
+        std::string shown;
+        for (const char c : what) {
+            const unsigned char u = static_cast<unsigned char>(c);
+            char escaped[8];
+            std::snprintf(escaped, sizeof escaped, "\\x%02X", u);
+            shown += u >= 0x20 && u < 0x7F ? std::string(1, c) : std::string(escaped);
+        }
+        complain(path + ": not JSON: " + shown);
         return false;
     }
     return true;
