@@ -52,7 +52,8 @@ class ToolBadInput : public ::testing::Test {
             EXPECT_EQ(line_count(run.err), 1u) << run.err;
             EXPECT_EQ(run.err.rfind("kelmasn: ", 0), 0u) << run.err;
             for (const char c : run.err)
-                EXPECT_TRUE(c == '\n' || (static_cast<unsigned char>(c) >= 0x20 && c != 0x7F))
+                EXPECT_TRUE(c == '\n' || (static_cast<unsigned char>(c) >= 0x20 &&
+                                           static_cast<unsigned char>(c) < 0x7F))
                     << "not one line of text: " << run.err;
         }
     }

@@ -179,6 +179,32 @@ TEST(ToolRecordErrors, EveryDecodingSubcommandNamesTheFirstElementThatDoesNotFit
     }
 }
 
+TEST(ToolRecordErrors, WithoutATypeTheErrorNamesTheOffsetWhereTheElementsStopParsing) {
+    // attr_t's SEQUENCE announces 15 octets of contents (30 0F) and 6 follow.
+    const BufferFile cut("cut.der",
+                         {0x04, 0x02, 0xAC, 0xDC, 0x30, 0x0F, 0x0C, 0x01, 0x61, 0x30, 0x0A, 0x30});
+    const BufferFile bare("bare.der", {0x30, 0x00});
+    const struct {
+        std::string args;
+        std::string reason;
+    } rows[] = {
+        {"decode auto '" + cut.path() + "'",
+         cut.path() + ": no record type decodes this buffer; offset 4: length 15 runs past the "
+                      "end of the input"},
+        {"canon '" + cut.path() + "' -o /dev/null",
+         cut.path() + ": no record type decodes this buffer; offset 4: length 15 runs past the "
+                      "end of the input"},
+        {"diff '" + bare.path() + "' '" + cut.path() + "'",
+         bare.path() + ": no record type decodes this buffer; offset 0: no header 04 vv AC DC"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.args);
+        const ToolRun run = run_tool(row.args);
+        EXPECT_EQ(run.exit_code, 1);
+        EXPECT_EQ(run.err, "kelmasn: " + row.reason + "\n");
+    }
+}
+
 TEST(ToolRecordErrors, EncodeNamesTheFieldWhoseValueTheLibraryRefuses) {
     // 33 levels of nested name/value entries: the library writes 32 (the nesting limit of the
     // record mechanism counts the record and each list of entries below it once); the list that

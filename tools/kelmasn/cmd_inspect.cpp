@@ -52,7 +52,8 @@ int run_inspect(const std::string& path, const std::string& type_name) {
     if (type_name == "auto") {
         if (!first_decoding_type(bytes, found)) {
             show_untyped();
-            return complain(path + ": no record type decodes this buffer");
+            return complain(path + ": no record type decodes this buffer" +
+                            undecodable_reason(bytes));
         }
         type = &found;
     } else if (!type_name.empty() && (type = find_type(type_name, false, found)) == nullptr) {

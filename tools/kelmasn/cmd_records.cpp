@@ -101,7 +101,7 @@ int run_decode_auto(const std::string& path, const RecordOptions& options) {
     }
     exact.insert(exact.end(), decodes.begin(), decodes.end());
     if (exact.empty())
-        return complain(path + ": no record type decodes this buffer");
+        return complain(path + ": no record type decodes this buffer" + undecodable_reason(bytes));
     std::string names;
     for (size_t i = 1; i < exact.size(); ++i)
         names += std::string(i > 1 ? ", " : "") + exact[i].type->record_name;

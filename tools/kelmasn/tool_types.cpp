@@ -105,7 +105,7 @@ const ToolType* type_for(const std::string& type_name, const std::vector<unsigne
         return find_type(type_name, false, found);
     if (first_decoding_type(bytes, found))
         return &found;
-    complain(path + ": no record type decodes this buffer");
+    complain(path + ": no record type decodes this buffer" + undecodable_reason(bytes));
     return nullptr;
 }
 
@@ -129,6 +129,16 @@ nlohmann::ordered_json decoded_json(const ToolType& type, const void* record,
         kelmasn_tool::octet_text_lengths(bytes, tree, *type.type, record, lengths);
     options.octet_text_lengths = &lengths;
     return kelmasn_tool::record_to_json(*type.type, record, options);
+}
+
+std::string undecodable_reason(const std::vector<unsigned char>& bytes) {
+    const size_t start = record_offset(bytes);
+    if (start == 0)
+        return "; offset 0: no header 04 vv AC DC";
+    kelmasn_tool::BerNode tree;
+    std::string error;
+    return kelmasn_tool::parse_ber(bytes, start, KELM_ASN_MAX_NESTING, tree, error) ? ""
+                                                                                    : "; " + error;
 }
 
 std::string mismatch_of(const ToolType& type, const std::vector<unsigned char>& bytes,

@@ -87,6 +87,10 @@ nlohmann::ordered_json decoded_json(const ToolType& type, const void* record,
                                     const std::vector<unsigned char>& bytes,
                                     JsonOptions options = {});
 
+// Why no record type decodes a buffer, for the error line: a missing header ("; offset 0: ...")
+// or elements that do not parse ("; offset N: ..."); nothing when neither is the reason.
+std::string undecodable_reason(const std::vector<unsigned char>& bytes);
+
 // Where a buffer that does not decode as `type` stops fitting it, for the error line: a missing
 // header ("; offset 0: ..."), a header version other than `version` (unless negative), elements
 // that do not parse ("; offset N: ...") or the first element that does not fit the type's shape
