@@ -241,6 +241,76 @@ TEST_P(ToolGolden, TypesListsTheTypeWithItsNames) {
     EXPECT_NE(run.out.find(line), std::string::npos) << line;
 }
 
+// The two shipped buffers that are not records. indefinite-high-tag.ber, without a header:
+// 30 80 a SEQUENCE of indefinite length; 9F 81 00 03 "abc" a primitive [CONTEXT 128] (the tag
+// number 1 * 128 + 0 in the subsequent octets, 8.1.2.4); A1 80 02 01 05 00 00 a constructed
+// [CONTEXT 1] of indefinite length holding INTEGER 5; 24 80 04 02 "hi" 04 01 "!" 00 00 an OCTET
+// STRING in constructed form of indefinite length; 00 00 the end of the SEQUENCE.
+const std::string kIndefiniteSample = std::string(KELMASN_EXAMPLES) + "/indefinite-high-tag.ber";
+// universal-types-with-header.der: 04 02 AC DC, then a SEQUENCE of 38 octets: UTF8String "alice",
+// OCTET STRING 01 02 03, INTEGER 256 (01 00), BOOLEAN TRUE (FF), NULL, an OBJECT IDENTIFIER
+// (06 03 2A 03 04), a BIT STRING (03 02 03 F8) and a SEQUENCE of INTEGER -1 and IA5String "x",
+// all in DER.
+const std::string kUniversalSample =
+    std::string(KELMASN_EXAMPLES) + "/universal-types-with-header.der";
+
+TEST(ToolShippedSamples, InspectShowsTheUntypedTreeOfEach) {
+    ToolRun run = run_tool("inspect '" + kIndefiniteSample + "'");
+    EXPECT_EQ(run.exit_code, 0) << run.err;
+    EXPECT_EQ(run.out, "     -  no header 04 vv AC DC\n"
+                       "     0  SEQUENCE, length indefinite\n"
+                       "     2    [CONTEXT 128], length 3: \"abc\"\n"
+                       "     9    [CONTEXT 1] constructed, length indefinite\n"
+                       "    11      INTEGER, length 1: 5\n"
+                       "    16    OCTET STRING constructed, length indefinite\n"
+                       "    18      OCTET STRING, length 2: \"hi\"\n"
+                       "    22      OCTET STRING, length 1: \"!\"\n");
+    run = run_tool("inspect '" + kUniversalSample + "'");
+    EXPECT_EQ(run.exit_code, 0) << run.err;
+    EXPECT_EQ(run.out, "     0  header: length 4, version 2, magic AC DC\n"
+                       "     4  SEQUENCE, length 38\n"
+                       "     6    UTF8String, length 5: \"alice\"\n"
+                       "    13    OCTET STRING, length 3: 01 02 03\n"
+                       "    18    INTEGER, length 2: 256\n"
+                       "    22    BOOLEAN, length 1: TRUE\n"
+                       "    25    NULL, length 0\n"
+                       "    27    [UNIVERSAL 6], length 3: 1.2.3.4\n"
+                       "    32    [UNIVERSAL 3], length 2: 5 bits: F8\n"
+                       "    36    SEQUENCE, length 6\n"
+                       "    38      INTEGER, length 1: -1\n"
+                       "    41      IA5String, length 1: \"x\"\n");
+}
+
+TEST(ToolShippedSamples, CheckListsEveryBerFormOfTheIndefiniteSampleAndNothingInTheDerOne) {
+    ToolRun run = run_tool("check '" + kIndefiniteSample + "'");
+    EXPECT_EQ(run.exit_code, 1);
+    EXPECT_EQ(run.out, "offset 0: no header 04 vv AC DC\n"
+                       "offset 0: indefinite length\n"
+                       "offset 9: indefinite length\n"
+                       "offset 16: indefinite length\n"
+                       "offset 16: string in constructed form\n");
+    run = run_tool("check '" + kUniversalSample + "'");
+    EXPECT_EQ(run.exit_code, 0) << run.err;
+    EXPECT_EQ(run.out, "");
+}
+
+TEST(ToolShippedSamples, NoRecordTypeDecodesEitherSample) {
+    for (const std::string& args :
+         {"decode auto '" + kUniversalSample + "'", "canon '" + kUniversalSample + "' -o /dev/null",
+          "diff '" + kUniversalSample + "' '" + kUniversalSample + "'"}) {
+        SCOPED_TRACE(args);
+        const ToolRun run = run_tool(args);
+        EXPECT_EQ(run.exit_code, 1);
+        EXPECT_EQ(run.err,
+                  "kelmasn: " + kUniversalSample + ": no record type decodes this buffer\n");
+    }
+    const ToolRun run = run_tool("decode auto '" + kIndefiniteSample + "'");
+    EXPECT_EQ(run.exit_code, 1);
+    EXPECT_EQ(run.err,
+              "kelmasn: " + kIndefiniteSample +
+                  ": no record type decodes this buffer; offset 0: no header 04 vv AC DC\n");
+}
+
 INSTANTIATE_TEST_SUITE_P(ThreeFamilies, ToolGolden, ::testing::ValuesIn(kGoldens),
                          [](const ::testing::TestParamInfo<Golden>& info) {
                              return std::string(info.param.type);

@@ -19,7 +19,7 @@ namespace {
 
 // What craft is asked for.
 struct CraftOptions {
-    kelmasn_tool::BerForm form;
+    BerForm form;
     int header_version = 2;
     long truncate = -1;
 };
@@ -42,8 +42,8 @@ int run_craft(const std::string& type_name, const std::string& path, const std::
     if (record.bytes == nullptr)
         return complain("out of memory");
     try {
-        kelmasn_tool::record_from_json(*type->type, document, record.bytes);
-    } catch (const kelmasn_tool::JsonFieldError& e) {
+        record_from_json(*type->type, document, record.bytes);
+    } catch (const JsonFieldError& e) {
         return complain(path + ": " + e.what());
     }
     kelm_asn_buffer_t encoded{0, nullptr};
@@ -56,12 +56,12 @@ int run_craft(const std::string& type_name, const std::string& path, const std::
     }
     const std::vector<unsigned char> der(encoded.data, encoded.data + encoded.length);
     kelm_asn_buffer_free(encoded);
-    kelmasn_tool::BerNode node;
-    if (!kelmasn_tool::parse_ber(der, 4, KELM_ASN_MAX_NESTING, node, error))
+    BerNode node;
+    if (!parse_ber(der, 4, KELM_ASN_MAX_NESTING, node, error))
         return complain(path + ": " + error);
     std::vector<unsigned char> out = {0x04, static_cast<unsigned char>(craft.header_version), 0xAC,
                                       0xDC};
-    kelmasn_tool::write_ber(der, node, craft.form, out);
+    write_ber(der, node, craft.form, out);
     if (craft.truncate >= 0 && static_cast<size_t>(craft.truncate) < out.size())
         out.resize(static_cast<size_t>(craft.truncate));
     const kelm_asn_buffer_t buffer{out.size(), out.data()};

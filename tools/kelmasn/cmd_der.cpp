@@ -22,8 +22,8 @@ int run_der(const std::string& path) {
     if (!read_buffer(path, bytes, error))
         return complain(error);
     std::string out;
-    kelmasn_tool::DumpError failure{0, ""};
-    const bool ok = kelmasn_tool::dump_der(std::move(bytes), out, failure);
+    DumpError failure{0, ""};
+    const bool ok = dump_der(std::move(bytes), out, failure);
     out = paint_tree(out, stdout);
     std::fwrite(out.data(), 1, out.size(), stdout);
     std::fflush(stdout);

@@ -35,15 +35,15 @@ int run_inspect(const std::string& path, const std::string& type_name) {
                         .c_str());
     else
         std::printf("%s", paint_tree("     -  no header 04 vv AC DC\n", stdout).c_str());
-    kelmasn_tool::BerNode tree;
-    if (!kelmasn_tool::parse_ber(bytes, start, KELM_ASN_MAX_NESTING, tree, error)) {
+    BerNode tree;
+    if (!parse_ber(bytes, start, KELM_ASN_MAX_NESTING, tree, error)) {
         std::fflush(stdout);
         return complain(path + ": " + error);
     }
     std::string out;
     // The tree unlabelled, for a buffer without a type or one that does not decode as it.
     const auto show_untyped = [&] {
-        kelmasn_tool::inspect_untyped(bytes, tree, out);
+        inspect_untyped(bytes, tree, out);
         std::fputs(paint_tree(out, stdout).c_str(), stdout);
         std::fflush(stdout);
     };
@@ -72,15 +72,13 @@ int run_inspect(const std::string& path, const std::string& type_name) {
     if (status != 0) {
         // Labelled as far as the elements fit the type's shape, untyped from the first that does
         // not.
-        kelmasn_tool::inspect_by_shape(bytes, tree, kelmasn_tool::label_by_shape(tree, *type->type),
-                                       out);
+        inspect_by_shape(bytes, tree, label_by_shape(tree, *type->type), out);
         std::fputs(paint_tree(out, stdout).c_str(), stdout);
         std::fflush(stdout);
         return complain(path + ": does not decode as " + type->type->record_name + ": " +
                         status_line(status) + mismatch_of(*type, bytes));
     }
-    const bool labelled =
-        kelmasn_tool::inspect_record(bytes, tree, *type->type, record.bytes, out, error);
+    const bool labelled = inspect_record(bytes, tree, *type->type, record.bytes, out, error);
     std::fputs(paint_tree(out, stdout).c_str(), stdout);
     std::fflush(stdout);
     if (!labelled)

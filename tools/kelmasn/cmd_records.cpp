@@ -45,11 +45,11 @@ struct RecordOptions {
 
 // The local code set of the environment's locale, for --lcs; null with the message written when
 // it has no conversion to and from UTF-8.
-std::unique_ptr<kelmasn_tool::LocalText> local_text(const RecordOptions& options) {
+std::unique_ptr<LocalText> local_text(const RecordOptions& options) {
     if (!options.local)
         return nullptr;
     std::setlocale(LC_ALL, "");
-    auto text = std::make_unique<kelmasn_tool::LocalText>();
+    auto text = std::make_unique<LocalText>();
     if (!text->ready()) {
         complain("--lcs: no conversion between UTF-8 and the local code set " + text->codeset());
         return nullptr;
@@ -64,8 +64,8 @@ bool check_trailing(const std::string& path, std::vector<unsigned char> bytes,
     if (options.allow_trailing || bytes.size() <= 4)
         return true;
     size_t end = 0;
-    kelmasn_tool::DumpError error{0, ""};
-    if (!kelmasn_tool::element_end(bytes, record_offset(bytes), end, error) || end >= bytes.size())
+    DumpError error{0, ""};
+    if (!element_end(bytes, record_offset(bytes), end, error) || end >= bytes.size())
         return true;
     complain(path + ": " + std::to_string(bytes.size() - end) +
              " bytes after the record, from offset " + std::to_string(end) +
@@ -147,7 +147,7 @@ int run_decode(const std::string& type_name, const std::string& path,
                         status_line(status) + mismatch_of(*type, bytes, options.version));
     if (!check_trailing(path, bytes, options))
         return 1;
-    kelmasn_tool::JsonOptions json_options;
+    JsonOptions json_options;
     json_options.local = local.get();
     std::cout << decoded_json(*type, record.bytes, bytes, json_options)
                      .dump(2, ' ', false, nlohmann::json::error_handler_t::replace)
@@ -176,12 +176,12 @@ int run_encode(const std::string& type_name, const std::string& path, const std:
     RecordStorage record(*type);
     if (record.bytes == nullptr)
         return complain("out of memory");
-    kelmasn_tool::JsonOptions json_options;
+    JsonOptions json_options;
     json_options.strict = options.strict;
     json_options.local = local.get();
     try {
-        kelmasn_tool::record_from_json(*type->type, document, record.bytes, json_options);
-    } catch (const kelmasn_tool::JsonFieldError& e) {
+        record_from_json(*type->type, document, record.bytes, json_options);
+    } catch (const JsonFieldError& e) {
         return complain(path + ": " + e.what());
     }
     kelm_asn_buffer_t buffer{0, nullptr};

@@ -27,8 +27,8 @@ int run_sample(const std::string& type_name, bool minimal) {
     RecordStorage record(*type);
     if (record.bytes == nullptr)
         return complain("out of memory");
-    kelmasn_tool::fill_sample(*type->type, record.bytes, minimal);
-    std::cout << kelmasn_tool::record_to_json(*type->type, record.bytes).dump(2) << "\n";
+    fill_sample(*type->type, record.bytes, minimal);
+    std::cout << record_to_json(*type->type, record.bytes).dump(2) << "\n";
     return 0;
 }
 

@@ -32,7 +32,7 @@ int run_str(const std::string& from, const std::string& to, const std::string& t
     if (hex_in && !from_hex(std::string(in), in))
         return complain("--hex-in: not hex digits: " + text);
     std::string out, error;
-    const unsigned int status = kelmasn_tool::convert_text(from, to, in, out, error);
+    const unsigned int status = convert_text(from, to, in, out, error);
     if (!error.empty())
         return usage_error(error);
     if (status != 0)

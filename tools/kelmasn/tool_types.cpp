@@ -34,7 +34,7 @@ ToolType resolve_type(const std::string& name) {
     unsigned int count = 0;
     const kelm_type_code_type* by_code = kelm_type_code_types(count);
     unsigned int code = 0;
-    const bool numeric = kelmasn_tool::parse_type_code(name, code);
+    const bool numeric = parse_type_code(name, code);
     for (unsigned int i = 0; i < count; ++i)
         if (numeric ? by_code[i].code == code : name == by_code[i].type->record_name)
             return ToolType{by_code[i].type, by_code[i].code};
@@ -121,24 +121,23 @@ bool write_output(const std::string& output, const kelm_asn_buffer_t& buffer) {
 nlohmann::ordered_json decoded_json(const ToolType& type, const void* record,
                                     const std::vector<unsigned char>& bytes, JsonOptions options) {
     std::vector<size_t> lengths;
-    kelmasn_tool::BerNode tree;
+    BerNode tree;
     std::string error;
     // Even where the tree and the record part ways, the lengths found before are right, and a
     // text past them is read no further than nothing.
-    if (kelmasn_tool::parse_ber(bytes, record_offset(bytes), KELM_ASN_MAX_NESTING, tree, error))
-        kelmasn_tool::octet_text_lengths(bytes, tree, *type.type, record, lengths);
+    if (parse_ber(bytes, record_offset(bytes), KELM_ASN_MAX_NESTING, tree, error))
+        octet_text_lengths(bytes, tree, *type.type, record, lengths);
     options.octet_text_lengths = &lengths;
-    return kelmasn_tool::record_to_json(*type.type, record, options);
+    return record_to_json(*type.type, record, options);
 }
 
 std::string undecodable_reason(const std::vector<unsigned char>& bytes) {
     const size_t start = record_offset(bytes);
     if (start == 0)
         return "; offset 0: no header 04 vv AC DC";
-    kelmasn_tool::BerNode tree;
+    BerNode tree;
     std::string error;
-    return kelmasn_tool::parse_ber(bytes, start, KELM_ASN_MAX_NESTING, tree, error) ? ""
-                                                                                    : "; " + error;
+    return parse_ber(bytes, start, KELM_ASN_MAX_NESTING, tree, error) ? "" : "; " + error;
 }
 
 std::string mismatch_of(const ToolType& type, const std::vector<unsigned char>& bytes,
@@ -149,11 +148,11 @@ std::string mismatch_of(const ToolType& type, const std::vector<unsigned char>& 
     if (version >= 0 && bytes[1] != version)
         return "; offset 1: the header's version is " + std::to_string(bytes[1]) + ", not " +
                std::to_string(version);
-    kelmasn_tool::BerNode tree;
+    BerNode tree;
     std::string error;
-    if (!kelmasn_tool::parse_ber(bytes, start, KELM_ASN_MAX_NESTING, tree, error))
+    if (!parse_ber(bytes, start, KELM_ASN_MAX_NESTING, tree, error))
         return "; " + error;
-    const std::string mismatch = kelmasn_tool::first_mismatch(bytes, tree, *type.type);
+    const std::string mismatch = first_mismatch(bytes, tree, *type.type);
     return mismatch.empty() ? "" : "; the first element that does not fit: " + mismatch;
 }
 
