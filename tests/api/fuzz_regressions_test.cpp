@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "ber_tree_properties.h"
+#include "check_inspect_properties.h"
 #include "der_inspect_properties.h"
 #include "der_walk_properties.h"
 #include "record_properties.h"
@@ -85,4 +86,12 @@ TEST(FuzzRegressions, EveryRegressionInputKeepsTheRuntimeObjectProperties) {
 
 TEST(FuzzCorpus, EverySeedKeepsTheRuntimeObjectProperties) {
     replay(kFuzzDir / "corpus" / "fuzz_runtime_objects", kelmasn_fuzz::check_runtime_objects);
+}
+
+TEST(FuzzRegressions, EveryRegressionInputKeepsTheCheckAndInspectProperties) {
+    replay(kFuzzDir / "regressions", kelmasn_fuzz::check_check_and_inspect);
+}
+
+TEST(FuzzCorpus, EverySeedKeepsTheCheckAndInspectProperties) {
+    replay(kFuzzDir / "corpus" / "fuzz_check_inspect", kelmasn_fuzz::check_check_and_inspect);
 }

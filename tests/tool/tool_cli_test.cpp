@@ -423,6 +423,9 @@ TEST(ToolCompletion, BashCompletesSubcommandsOptionsTypesAndCodeSets) {
     EXPECT_NE(completions("kelmasn inspect x.der --type ekobj_upd").find("ekobj_update_list_s_t"),
               std::string::npos);
     EXPECT_EQ(completions("kelmasn str --from t"), "t61\n");
+    EXPECT_EQ(completions("kelmasn types --col"), "--color\n");
+    EXPECT_EQ(completions("kelmasn der x.der --color a"), "auto always\n");
+    EXPECT_EQ(completions("kelmasn check x.der --in-format b"), "base64\n");
 }
 
 TEST(ToolInputFormat, HexAndBase64GiveTheSameRecordAsRawBytes) {

@@ -216,20 +216,26 @@ void write_ber(const std::vector<unsigned char>& bytes, const BerNode& node, con
     out.insert(out.end(), inner.begin(), inner.end());
 }
 
-void find_ber_only(const BerNode& node, std::vector<std::string>& findings) {
-    const std::string at = "offset " + std::to_string(node.offset) + ": ";
+void find_ber_only(const BerNode& node, std::vector<BerOnlyForm>& findings) {
     if (node.indefinite)
-        findings.push_back(at + "indefinite length");
+        findings.push_back({&node, "indefinite length"});
     else if (!node.minimal_length)
-        findings.push_back(at + "length " + std::to_string(node.contents_length) + " in " +
-                           std::to_string(node.length_octets) +
-                           " octets, not in the fewest octets");
+        findings.push_back({&node, "length " + std::to_string(node.contents_length) + " in " +
+                                       std::to_string(node.length_octets) +
+                                       " octets, not in the fewest octets"});
     if (node.constructed && is_string_type(node)) {
-        findings.push_back(at + "string in constructed form");
+        findings.push_back({&node, "string in constructed form"});
         return; // its pieces are part of that finding
     }
     for (const BerNode& child : node.children)
         find_ber_only(child, findings);
+}
+
+void find_ber_only(const BerNode& node, std::vector<std::string>& findings) {
+    std::vector<BerOnlyForm> forms;
+    find_ber_only(node, forms);
+    for (const BerOnlyForm& form : forms)
+        findings.push_back("offset " + std::to_string(form.node->offset) + ": " + form.what);
 }
 
 } // namespace kelmasn_tool

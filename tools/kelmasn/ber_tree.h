@@ -43,8 +43,18 @@ struct BerForm {
 void write_ber(const std::vector<unsigned char>& bytes, const BerNode& node, const BerForm& form,
                std::vector<unsigned char>& out);
 
+// A form of an element that is BER but not DER.
+struct BerOnlyForm {
+    const BerNode* node; // the element, in the tree given to find_ber_only
+    std::string what;    // "indefinite length", "string in constructed form", ...
+};
+
 // What makes an element tree BER but not DER: indefinite lengths, lengths not in the fewest
-// octets, strings in constructed form. One line per finding: "offset N: ...".
+// octets, strings in constructed form (their pieces are part of that finding), in the order of
+// the elements.
+void find_ber_only(const BerNode& node, std::vector<BerOnlyForm>& findings);
+
+// The same, one line per finding: "offset N: ...".
 void find_ber_only(const BerNode& node, std::vector<std::string>& findings);
 
 } // namespace kelmasn_tool

@@ -42,20 +42,6 @@ const char* universal_type_name(unsigned long tag) {
     }
 }
 
-// "SEQUENCE, length 12", "[CONTEXT 3] constructed, length indefinite" and the like.
-std::string describe(const BerNode& node) {
-    static const char* const classes[] = {"UNIVERSAL", "APPLICATION", "CONTEXT", "PRIVATE"};
-    const char* name = node.tag_class == 0 ? universal_type_name(node.tag) : nullptr;
-    std::string text = name != nullptr ? std::string(name)
-                                       : "[" + std::string(classes[node.tag_class]) + " " +
-                                             std::to_string(node.tag) + "]";
-    if (node.constructed && !(node.tag_class == 0 && node.tag == 16))
-        text += " constructed";
-    text += node.indefinite ? ", length indefinite"
-                            : ", length " + std::to_string(node.contents_length);
-    return text;
-}
-
 std::string offset_column(size_t offset) {
     char column[16];
     std::snprintf(column, sizeof column, "%6zu", offset);
@@ -243,9 +229,9 @@ class ShapeReader {
         std::string what;
     };
 
-    ShapeReader(const BerNode& tree, const kelm_record_type& type)
-        : root_(tree), bare_(type.flags & KELM_RECORD_BARE_ELEMENT),
-          version_(type.flags & KELM_RECORD_VERSION_ELEMENT) {}
+    ShapeReader(const BerNode& tree, const kelm_record_type& type, ShapeLabels& labels)
+        : root_(tree), root_name_(type.record_name), bare_(type.flags & KELM_RECORD_BARE_ELEMENT),
+          version_(type.flags & KELM_RECORD_VERSION_ELEMENT), labels_(labels) {}
 
     void begin_record(const kelm_record_type&) {
         if (bare_ && frames_.empty()) {
@@ -254,11 +240,13 @@ class ShapeReader {
         }
         const BerNode& node = next("a SEQUENCE");
         expect(node, node.tag_class == 0 && node.tag == 16 && node.constructed, "a SEQUENCE");
+        label(node);
         frames_.push_back(Frame{&node, 0, false, false, frames_.empty() ? "" : key_, false});
         if (version_) {
             key_ = joined("(version)");
             const BerNode& version = next("the version INTEGER");
             expect(version, is_primitive(version, 2), "the version INTEGER");
+            label(version);
         }
     }
     void end_record() {
@@ -283,6 +271,7 @@ class ShapeReader {
     int64_t integer(int64_t, int64_t) {
         const BerNode& node = next("an INTEGER");
         expect(node, is_primitive(node, 2), "an INTEGER");
+        label(node);
         return 0;
     }
     char* text() {
@@ -292,19 +281,25 @@ class ShapeReader {
                    (node.tag == 4 || node.tag == 12 || node.tag == 19 || node.tag == 20 ||
                     node.tag == 22 || node.tag == 26 || node.tag == 28 || node.tag == 30),
                "a text");
+        label(node);
         return static_cast<char*>(std::calloc(1, 1));
     }
     std::string bytes() {
         Frame& frame = frames_.back();
-        if (version_ && !frame.list && frame.next >= frame.node->children.size())
-            return ""; // the OPTIONAL body that a certificate request leaves out at its end
+        if (version_ && !frame.list && frame.next >= frame.node->children.size()) {
+            // the OPTIONAL body that a certificate request leaves out at its end
+            labels_.absent.push_back({frame.node, frame.next, key_});
+            return "";
+        }
         const BerNode& node = next("an OCTET STRING");
         expect(node, node.tag_class == 0 && node.tag == 4, "an OCTET STRING");
+        label(node);
         return "";
     }
     std::string fixed_bytes(size_t size) {
         const BerNode& node = next("an OCTET STRING");
         expect(node, node.tag_class == 0 && node.tag == 4, "an OCTET STRING");
+        label(node);
         return std::string(size, '\0');
     }
     bool present() {
@@ -313,6 +308,7 @@ class ShapeReader {
         const BerNode* node = more ? &frame.node->children[frame.next] : nullptr;
         if (in_entry_ && frame.slots) {
             if (node != nullptr && is_primitive(*node, 5)) { // NULL: an empty slot
+                label(*node);
                 ++frames_.back().next;
                 return false;
             }
@@ -321,7 +317,10 @@ class ShapeReader {
         if (in_entry_)
             return true;
         // An optional record is there when a SEQUENCE comes next.
-        return node != nullptr && node->tag_class == 0 && node->tag == 16;
+        const bool there = node != nullptr && node->tag_class == 0 && node->tag == 16;
+        if (!there)
+            labels_.absent.push_back({frame.node, frame.next, key_});
+        return there;
     }
     size_t begin_list(uint64_t max, const char*) { return open_list(max, false); }
     size_t begin_slots(size_t size) { return open_list(size, true); }
@@ -350,6 +349,7 @@ class ShapeReader {
     size_t open_list(uint64_t max, bool slots) {
         const BerNode& node = next("a SEQUENCE OF");
         expect(node, node.tag_class == 0 && node.tag == 16 && node.constructed, "a SEQUENCE OF");
+        label(node);
         frames_.push_back(Frame{&node, 0, true, slots, key_, false});
         return node.children.size() < max ? node.children.size() : static_cast<size_t>(max);
     }
@@ -373,15 +373,56 @@ class ShapeReader {
                            " was expected, the buffer has " + describe(node)};
     }
 
+    // The element fits the value the walk reads into the field at key_ (the record itself for
+    // the outermost).
+    void label(const BerNode& node) { labels_.paths[&node] = key_.empty() ? root_name_ : key_; }
+
     const BerNode& root_;
+    std::string root_name_;
     bool bare_;
     bool version_;
     std::vector<Frame> frames_;
+    ShapeLabels& labels_;
     std::string key_;
     bool in_entry_ = false;
 };
 
+// The lines of the tree: the elements with a label under it, the others as they are, and the
+// absent optional parts that the labels name at their places.
+void labelled(const std::vector<unsigned char>& bytes, const BerNode& node, unsigned int depth,
+              const ShapeLabels& labels, std::string& out) {
+    const std::string value = value_of(bytes, node);
+    const auto label = labels.paths.find(&node);
+    out += offset_column(node.offset) + "  " + std::string(2 * depth, ' ') +
+           (label == labels.paths.end() ? "" : label->second + "  ") + describe(node) +
+           (value.empty() ? "" : ": " + value) + "\n";
+    const auto absent_before = [&](size_t child) {
+        for (const ShapeLabels::Absent& absent : labels.absent)
+            if (absent.parent == &node && absent.before == child)
+                out += "     -  " + std::string(2 * (depth + 1), ' ') + absent.path +
+                       ": absent (OPTIONAL)\n";
+    };
+    for (size_t i = 0; i < node.children.size(); ++i) {
+        absent_before(i);
+        labelled(bytes, node.children[i], depth + 1, labels, out);
+    }
+    absent_before(node.children.size());
+}
+
 } // namespace
+
+std::string describe(const BerNode& node) {
+    static const char* const classes[] = {"UNIVERSAL", "APPLICATION", "CONTEXT", "PRIVATE"};
+    const char* name = node.tag_class == 0 ? universal_type_name(node.tag) : nullptr;
+    std::string text = name != nullptr ? std::string(name)
+                                       : "[" + std::string(classes[node.tag_class]) + " " +
+                                             std::to_string(node.tag) + "]";
+    if (node.constructed && !(node.tag_class == 0 && node.tag == 16))
+        text += " constructed";
+    text += node.indefinite ? ", length indefinite"
+                            : ", length " + std::to_string(node.contents_length);
+    return text;
+}
 
 bool inspect_record(const std::vector<unsigned char>& bytes, const BerNode& tree,
                     const kelm_record_type& type, const void* record, std::string& out,
@@ -402,21 +443,30 @@ bool octet_text_lengths(const std::vector<unsigned char>& bytes, const BerNode& 
     return labeller.ok();
 }
 
-std::string first_mismatch(const std::vector<unsigned char>&, const BerNode& tree,
-                           const kelm_record_type& type) {
+ShapeLabels label_by_shape(const BerNode& tree, const kelm_record_type& type) {
+    ShapeLabels labels;
     void* scratch = std::calloc(1, type.record_size);
     if (scratch == nullptr)
-        return "";
-    std::string mismatch;
+        return labels;
     try {
-        ShapeReader reader(tree, type);
+        ShapeReader reader(tree, type, labels);
         kelm_record_kinds::read_record(reader, type, scratch);
     } catch (const ShapeReader::Mismatch& m) {
-        mismatch = m.what;
+        labels.mismatch = m.what;
     }
     kelm_asn_record::free_record(type, scratch);
     std::free(scratch);
-    return mismatch;
+    return labels;
+}
+
+std::string first_mismatch(const std::vector<unsigned char>&, const BerNode& tree,
+                           const kelm_record_type& type) {
+    return label_by_shape(tree, type).mismatch;
+}
+
+void inspect_by_shape(const std::vector<unsigned char>& bytes, const BerNode& tree,
+                      const ShapeLabels& labels, std::string& out) {
+    labelled(bytes, tree, 0, labels, out);
 }
 
 void inspect_untyped(const std::vector<unsigned char>& bytes, const BerNode& tree,

@@ -2,6 +2,8 @@
 #ifndef KELMASN_TOOL_INSPECT_H
 #define KELMASN_TOOL_INSPECT_H
 
+#include <cstddef>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -31,6 +33,32 @@ bool octet_text_lengths(const std::vector<unsigned char>& bytes, const BerNode& 
 // when the whole tree fits.
 std::string first_mismatch(const std::vector<unsigned char>& bytes, const BerNode& tree,
                            const kelm_record_type& type);
+
+// What the shape of a record type says about an element tree, read as far as it fits: the field
+// path of each element it reached and fitted, the optional parts it found absent, and where it
+// stopped fitting.
+struct ShapeLabels {
+    std::map<const BerNode*, std::string> paths; // into the tree given to label_by_shape
+    struct Absent {
+        const BerNode* parent; // the SEQUENCE that leaves it out
+        size_t before;         // the index of the child it would stand before
+        std::string path;
+    };
+    std::vector<Absent> absent;
+    std::string mismatch; // as first_mismatch says it; empty when the whole tree fits
+};
+
+// The type's fields walked over `tree` in order (its fields' elements, lists, slots and optional
+// records), without the library: every element up to the first that does not fit is labelled.
+ShapeLabels label_by_shape(const BerNode& tree, const kelm_record_type& type);
+
+// One line per element of `tree` (read from `bytes`), labelled where `labels` has a path for it
+// and shown untyped elsewhere, with a line for each absent optional part.
+void inspect_by_shape(const std::vector<unsigned char>& bytes, const BerNode& tree,
+                      const ShapeLabels& labels, std::string& out);
+
+// "SEQUENCE, length 12", "[CONTEXT 3] constructed, length indefinite" and the like.
+std::string describe(const BerNode& node);
 
 // One line per element of `tree`, without labels.
 void inspect_untyped(const std::vector<unsigned char>& bytes, const BerNode& tree,

@@ -16,6 +16,12 @@ _kelmasn() {
         --from | --to)
             COMPREPLY=($(compgen -W "ia5 t61 bmp ucs4 utf8 printable visible" -- "$cur"))
             return ;;
+        --color)
+            COMPREPLY=($(compgen -W "auto always never" -- "$cur"))
+            return ;;
+        --in-format)
+            COMPREPLY=($(compgen -W "raw hex base64" -- "$cur"))
+            return ;;
         -o | --output)
             COMPREPLY=($(compgen -f -- "$cur"))
             return ;;
@@ -24,11 +30,12 @@ _kelmasn() {
     esac
     local options=""
     case $subcommand in
-        decode) options="--lcs --version --allow-trailing --help" ;;
+        der) options="--in-format --help" ;;
+        decode) options="--lcs --version --allow-trailing --in-format --help" ;;
         encode) options="-o --output --lcs --version --strict --help" ;;
-        inspect | check) options="--type --help" ;;
-        canon) options="-o --output --type --help" ;;
-        diff) options="--type --help" ;;
+        inspect | check) options="--type --in-format --help" ;;
+        canon) options="-o --output --type --in-format --help" ;;
+        diff) options="--type --in-format --help" ;;
         craft) options="--type -o --output --indefinite --long-lengths --constructed-strings \
 --header-version --truncate --help" ;;
         sample) options="--minimal --full --help" ;;
@@ -37,7 +44,7 @@ _kelmasn() {
         *) options="--help" ;;
     esac
     if [[ $cur == -* ]]; then
-        COMPREPLY=($(compgen -W "$options" -- "$cur"))
+        COMPREPLY=($(compgen -W "$options --color" -- "$cur"))
         return
     fi
     # TYPE is the first word after decode, encode, sample and schema; the rest are files.

@@ -1,6 +1,10 @@
 // `kelmasn schema TYPE`: a record type's definition in the records' ASN.1 module.
 #include "schema.h"
 
+#include <memory>
+
+#include "subcommands.h"
+
 #include <cstdio>
 #include <iostream>
 #include <sstream>
@@ -76,6 +80,12 @@ int run_schema(const std::string& type_name) {
     }
     std::cout << definition;
     return 0;
+}
+
+Subcommand add_schema(CLI::App& tool) {
+    auto type_name = std::make_shared<std::string>();
+    CLI::App* app = add_schema_subcommand(tool, *type_name);
+    return {app, [type_name] { return run_schema(*type_name); }};
 }
 
 } // namespace kelmasn_tool
