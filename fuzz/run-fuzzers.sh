@@ -12,7 +12,7 @@ seconds=${1:-60}
 case $seconds in
   '' | *[!0-9]*) echo "usage: $0 [SECONDS]" >&2; exit 2 ;;
 esac
-targets=(fuzz_der_inspect fuzz_der_walk fuzz_records fuzz_ber_tree)
+targets=(fuzz_der_inspect fuzz_der_walk fuzz_records fuzz_ber_tree fuzz_direct_codec)
 work=build/fuzz-work
 
 cmake --preset fuzz >/dev/null
