@@ -95,8 +95,8 @@ inline unsigned char* put_header(unsigned char* w, unsigned char identifier, siz
 
 // Bytes not owned, read front to back.
 struct Span {
-    const unsigned char* p;
-    const unsigned char* end;
+    const unsigned char* p = nullptr;
+    const unsigned char* end = nullptr;
 
     bool empty() const { return p == end; }
     size_t size() const { return static_cast<size_t>(end - p); }

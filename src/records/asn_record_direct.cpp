@@ -1,6 +1,7 @@
 // The direct codec of records: DER written from a record and its table in two passes (the sizes
 // bottom-up, then the contents back to front into one block), and DER read straight into the
-// record. Each kind's encoding and decoding sit side by side, in the order of kelm_field_kind.
+// record. The encoder and the decoder each take the kinds in the order of kelm_field_kind, so that
+// a kind's writing and reading are compared line by line.
 #include "asn_record_direct.h"
 
 #include <atomic>
