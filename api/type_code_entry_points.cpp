@@ -2,7 +2,9 @@
 // certificate requests (0x103), lists of object updates (0x104) and a bare int (0x106) are
 // reached this way; every other record type has typed entry points instead.
 #include "asn_ekobjs.h"
+#include "asn_record_direct.h"
 #include "kelm/ekobjs.h"
+#include "type_code_direct_internal.h"
 #include "type_code_guard_internal.h"
 
 namespace {
@@ -63,6 +65,10 @@ unsigned int main_func(int operation, int version, void* record, unsigned int ty
         return KELM_ASN_OK;
     }
     return kelm_type_code_guarded([&]() -> unsigned int {
+        unsigned int status = KELM_ASN_OK;
+        if (!kelm_object_path_forced() &&
+            kelm_type_code_direct(operation, version, record, type, buffer, status))
+            return status;
         switch (type) {
         case KELMASN_TYPE_CERT_REQUEST:
             return encode_or_decode<kelm_asn_cert_request_in>(

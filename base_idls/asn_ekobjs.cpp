@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "asn_ekobjs_internal.h"
 #include "asn_source_site.h"
 
 namespace {
@@ -61,12 +62,17 @@ unsigned int kelm_asn_cert_request_in::get_value(cert_request_in& record) const 
     record.body_length = length;
     if (length == 0)
         return status;
-    record.body = static_cast<unsigned char*>(std::malloc(length));
-    if (record.body == nullptr)
+    record.body = kelm_copy_cert_request_body(stored, length);
+    return status;
+}
+
+unsigned char* kelm_copy_cert_request_body(const unsigned char* stored, unsigned int length) {
+    auto* body = static_cast<unsigned char*>(std::malloc(length));
+    if (body == nullptr)
         throw kelm_asn_memexception(kBodyCopySite.file, kBodyCopySite.line,
                                     "Out of memory get_obj_body()");
-    std::memcpy(record.body, stored, length);
-    return status;
+    std::memcpy(body, stored, length);
+    return body;
 }
 
 void kelm_asn_cert_request_in::free_obj(cert_request_in& record) {

@@ -12,7 +12,8 @@ seconds=${1:-60}
 case $seconds in
   '' | *[!0-9]*) echo "usage: $0 [SECONDS]" >&2; exit 2 ;;
 esac
-targets=(fuzz_der_inspect fuzz_der_walk fuzz_records fuzz_ber_tree fuzz_runtime_objects fuzz_check_inspect)
+# One line: fuzz/campaign.sh reads the list from here.
+targets=(fuzz_der_inspect fuzz_der_walk fuzz_records fuzz_ber_tree fuzz_runtime_objects fuzz_check_inspect fuzz_direct_codec)
 work=build/fuzz-work
 
 cmake --preset fuzz >/dev/null

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <new>
 
+#include "asn_copies_internal.h"
 #include "asn_source_site.h"
 
 const char* const NULL_STRING = "";
@@ -206,14 +207,7 @@ unsigned int kelmasn_octetstring::get_value(unsigned char*& target, unsigned int
     if (kelm_asn_octetstring::get_value(stored, stored_count) != KELM_ASN_OK)
         stored_count = 0;
     count = stored_count;
-    target = nullptr;
-    if (stored_count == 0)
-        return KELM_ASN_OK;
-    target = static_cast<unsigned char*>(std::malloc(stored_count));
-    if (target == nullptr)
-        throw kelm_asn_memexception(kOctetStringCopySite.file, kOctetStringCopySite.line,
-                                    "ASN: Out of memory");
-    std::memcpy(target, stored, stored_count);
+    target = kelm_copy_stored_octets(stored, stored_count);
     return KELM_ASN_OK;
 }
 
@@ -245,19 +239,7 @@ unsigned int kelm_get_strvalue(const kelm_asn_octetstring& value, unsigned char*
     unsigned int count = 0;
     if (value.kelm_asn_octetstring::get_value(stored, count) != KELM_ASN_OK)
         count = 0;
-    if (count < 2) {
-        text = static_cast<unsigned char*>(std::malloc(1));
-        if (text == nullptr)
-            throw kelm_asn_memexception(kEmptyStringSite.file, kEmptyStringSite.line,
-                                        "Out of memory get_strvalue()");
-        text[0] = 0;
-        return KELM_ASN_OK;
-    }
-    text = static_cast<unsigned char*>(std::malloc(count));
-    if (text == nullptr)
-        throw kelm_asn_memexception(kStringCopySite.file, kStringCopySite.line,
-                                    "Out of memory get_strvalue()");
-    std::memcpy(text, stored, count);
+    text = kelm_copy_stored_string(stored, count);
     return KELM_ASN_OK;
 }
 
@@ -266,6 +248,34 @@ unsigned int kelm_get_strvalue(const kelm_asn_octetstring& value, char*& text) {
     const unsigned int status = kelm_get_strvalue(value, bytes);
     text = reinterpret_cast<char*>(bytes);
     return status;
+}
+
+unsigned char* kelm_copy_stored_string(const unsigned char* stored, unsigned int count) {
+    if (count < 2) {
+        auto* text = static_cast<unsigned char*>(std::malloc(1));
+        if (text == nullptr)
+            throw kelm_asn_memexception(kEmptyStringSite.file, kEmptyStringSite.line,
+                                        "Out of memory get_strvalue()");
+        text[0] = 0;
+        return text;
+    }
+    auto* text = static_cast<unsigned char*>(std::malloc(count));
+    if (text == nullptr)
+        throw kelm_asn_memexception(kStringCopySite.file, kStringCopySite.line,
+                                    "Out of memory get_strvalue()");
+    std::memcpy(text, stored, count);
+    return text;
+}
+
+unsigned char* kelm_copy_stored_octets(const unsigned char* stored, unsigned int count) {
+    if (count == 0)
+        return nullptr;
+    auto* target = static_cast<unsigned char*>(std::malloc(count));
+    if (target == nullptr)
+        throw kelm_asn_memexception(kOctetStringCopySite.file, kOctetStringCopySite.line,
+                                    "ASN: Out of memory");
+    std::memcpy(target, stored, count);
+    return target;
 }
 
 void kelm_free_strings(int count, char** array) {

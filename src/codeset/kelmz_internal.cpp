@@ -84,25 +84,96 @@ class TextBuilder {
     size_t length_ = 0;
 };
 
-// An iconv descriptor, closed on destruction. A code set pair iconv cannot open leaves it
-// unopened (the caller then falls back to ASCII); only exhausted memory throws.
+// The iconv descriptors of the calling thread, one per pair of code sets, opened on first use
+// and closed when the thread ends, so that a conversion does not open and close a descriptor.
+// Keyed by the code sets' names: a thread whose locale changes finds (or opens) the descriptor
+// of its new code set, and threads never share one. A pair iconv cannot open is remembered as
+// such, so that it falls back to ASCII without asking iconv again; only exhausted memory throws
+// (and is not remembered).
+class DescriptorCache {
+  public:
+    DescriptorCache() = default;
+    ~DescriptorCache() {
+        for (Entry& entry : entries_)
+            if (entry.used && opened(entry.cd))
+                iconv_close(entry.cd);
+    }
+    DescriptorCache(const DescriptorCache&) = delete;
+    DescriptorCache& operator=(const DescriptorCache&) = delete;
+
+    static bool opened(iconv_t cd) { return cd != reinterpret_cast<iconv_t>(-1); }
+
+    // The descriptor from `from` to `to`, in its initial shift state; unopened when iconv
+    // cannot convert between them. `cached` tells whether it stays open for later conversions
+    // (else the caller closes it).
+    iconv_t get(const char* to, const char* from, bool& cached) {
+        cached = fits(to) && fits(from);
+        if (cached) {
+            for (Entry& entry : entries_) {
+                if (entry.used && same(entry.to, to) && same(entry.from, from)) {
+                    if (opened(entry.cd))
+                        iconv(entry.cd, nullptr, nullptr, nullptr, nullptr);
+                    return entry.cd;
+                }
+            }
+        }
+        const iconv_t cd = iconv_open(to, from);
+        ++opens_;
+        if (!opened(cd) && errno == ENOMEM)
+            throw kelm_asn_memexception(kIconvOpenSite.file, kIconvOpenSite.line, kOutOfMemory);
+        if (!cached)
+            return cd;
+        Entry& slot = entries_[next_];
+        next_ = (next_ + 1) % kEntries;
+        if (slot.used && opened(slot.cd))
+            iconv_close(slot.cd);
+        slot.used = true;
+        slot.cd = cd;
+        std::strcpy(slot.to, to);
+        std::strcpy(slot.from, from);
+        return cd;
+    }
+
+    unsigned long opens() const { return opens_; }
+
+  private:
+    static constexpr unsigned int kEntries = 4;
+    static constexpr size_t kNameRoom = 48;
+
+    struct Entry {
+        bool used = false;
+        iconv_t cd = reinterpret_cast<iconv_t>(-1);
+        char to[kNameRoom] = {};
+        char from[kNameRoom] = {};
+    };
+
+    static bool fits(const char* name) { return std::strlen(name) < kNameRoom; }
+    static bool same(const char* a, const char* b) { return std::strcmp(a, b) == 0; }
+
+    Entry entries_[kEntries];
+    unsigned int next_ = 0;
+    unsigned long opens_ = 0;
+};
+
+thread_local DescriptorCache descriptors;
+
+// The calling thread's descriptor for one conversion. A descriptor whose names are too long to be
+// kept is opened for this conversion only and closed with it.
 class IconvDescriptor {
   public:
-    IconvDescriptor(const char* to, const char* from) : cd_(iconv_open(to, from)) {
-        if (!opened() && errno == ENOMEM)
-            throw kelm_asn_memexception(kIconvOpenSite.file, kIconvOpenSite.line, kOutOfMemory);
-    }
+    IconvDescriptor(const char* to, const char* from) : cd_(descriptors.get(to, from, cached_)) {}
     ~IconvDescriptor() {
-        if (opened())
+        if (!cached_ && opened())
             iconv_close(cd_);
     }
     IconvDescriptor(const IconvDescriptor&) = delete;
     IconvDescriptor& operator=(const IconvDescriptor&) = delete;
 
-    bool opened() const { return cd_ != reinterpret_cast<iconv_t>(-1); }
+    bool opened() const { return DescriptorCache::opened(cd_); }
     iconv_t get() const { return cd_; }
 
   private:
+    bool cached_ = false;
     iconv_t cd_;
 };
 
@@ -322,6 +393,10 @@ unsigned int well_formed_utf8_length(const unsigned char* bytes, size_t availabl
         if (!is_continuation(bytes[i]))
             return 0;
     return length;
+}
+
+unsigned long iconv_descriptors_opened() noexcept {
+    return descriptors.opens();
 }
 
 const char* current_codeset() noexcept {

@@ -37,9 +37,11 @@
 // it could not give this rule anyway). When it is ANSI_X3.4-1968 (the "C" and "POSIX" locales),
 // bytes 01..7F pass unchanged and everything else follows the rule above without iconv; the
 // result equals that of the iconv path, which the tests check. Every other code set goes through
-// one iconv descriptor opened and closed per conversion; nothing is cached between calls, so
-// conversions on different threads share no state. bench/bench_kelmz.cpp measures each path and
-// the descriptor's opening and closing.
+// an iconv descriptor that each thread opens once per pair of code sets and keeps until it ends
+// (a few pairs at a time, keyed by the code sets' names, so a change of the thread's locale
+// takes the descriptor of the new code set); each conversion starts from the initial shift
+// state, and threads never share a descriptor. bench/bench_kelmz.cpp measures each path and the
+// descriptor's opening and closing.
 //
 // A code set that iconv cannot open is treated as ASCII, as in the "C" locale.
 //
@@ -103,6 +105,9 @@ OwnedText utf8_to_local(const char* utf8, size_t length, const char* codeset, Ro
 // The number of bytes (1 to 4) of the well-formed UTF-8 character that starts at `bytes`, or 0
 // when the first byte does not begin one within `available` bytes. U+0000 counts as well-formed.
 unsigned int well_formed_utf8_length(const unsigned char* bytes, size_t available) noexcept;
+
+// The number of iconv descriptors the calling thread has opened so far.
+unsigned long iconv_descriptors_opened() noexcept;
 
 // The calling thread's local code set: nl_langinfo(CODESET) of its current locale.
 const char* current_codeset() noexcept;

@@ -1,0 +1,801 @@
+// The direct codec of records: DER written from a record and its table in two passes (the sizes
+// bottom-up, then the contents back to front into one block), and DER read straight into the
+// record. The encoder and the decoder each take the kinds in the order of kelm_field_kind, so that
+// a kind's writing and reading are compared line by line.
+#include "asn_record_direct.h"
+
+#include <atomic>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+
+#include "asn_copies_internal.h"
+#include "asn_direct_der.h"
+#include "asn_record_kinds.h"
+#include "kelmz_internal.h"
+
+namespace {
+
+using namespace kelm_record_kinds;
+using namespace kelm_direct_der;
+
+// The largest encoding the direct encoder writes: the runtime's lengths are 32-bit, and the
+// buffer keeps its capacity below 4 GiB. Anything larger is left to the object path.
+constexpr size_t kLargestEncoding = 0xF0000000u;
+
+// The largest record that a decode can put back, from a copy on the stack, when it gives up.
+constexpr size_t kLargestSavedRecord = 2048;
+
+// Internal result of the decoder: the object path must do the call. Never a status of the family.
+constexpr unsigned int kGiveUp = 1;
+
+const unsigned int kUnusualFlags = KELM_RECORD_VERSION_ELEMENT | KELM_RECORD_BARE_ELEMENT;
+
+// --- sizes and octets shared by both directions --------------------------------------------
+
+// The value written for an integer member, as the kinds' to_element hands it to set_value.
+int written_integer(const kelm_record_field& f, const void* record) {
+    switch (f.kind) {
+    case kelm_field_kind::unsigned_integer:
+        return load<int32_t>(record, f.offset);
+    case kelm_field_kind::unsigned16:
+        return load<uint16_t>(record, f.offset);
+    case kelm_field_kind::unsigned8:
+        return load<uint8_t>(record, f.offset);
+    default:
+        return load<int32_t>(record, f.offset);
+    }
+}
+
+// The slot array's last filled slot plus one: the slots written.
+unsigned int slots_written(const kelm_record_field& f, const void* record) {
+    unsigned int used = f.size;
+    while (used > 0 && slots_kind::slot(f, record, used - 1) == nullptr)
+        --used;
+    return used;
+}
+
+// The size of one entry of a list's array.
+size_t list_entry_size(const kelm_record_field& f) {
+    switch (f.kind) {
+    case kelm_field_kind::record_list:
+    case kelm_field_kind::record_list16:
+        return record_entry::size(f);
+    case kelm_field_kind::integer_list:
+        return integer_entry::size(f);
+    case kelm_field_kind::text_list:
+        return text_entry::size(f);
+    default:
+        return record_pointer_entry::size(f);
+    }
+}
+
+// The record's text in UTF-8, for the local-code-set mode.
+kelmz_detail::OwnedText text_in_utf8(const char* text) {
+    return kelmz_detail::local_to_utf8(text, std::strlen(text), kelmz_detail::current_codeset(),
+                                       kelmz_detail::Route::Fastest);
+}
+
+// --- encoding ----------------------------------------------------------------------------------
+
+// Two passes over the record: size() gives each element's full size bottom-up, write() then
+// fills the block back to front, so that every length is known when its element is closed. The
+// passes visit the same fields in opposite orders; the local-code-set mode converts each text
+// in both, with the same result. Both give up (size() returns false) on what the object path
+// refuses: a record nested past KELM_ASN_MAX_NESTING, a null entry of a list of separately
+// allocated records, an encoding too large.
+class Encoder {
+  public:
+    Encoder(bool local_codeset, unsigned int depth) : lcs_(local_codeset), depth_(depth) {}
+
+    // The full size of the record's SEQUENCE into `size`.
+    bool size_record(const kelm_record_type& type, const void* record, size_t& size) {
+        if (!enter())
+            return false;
+        size_t contents = 0;
+        for (unsigned int i = 0; i < type.field_count; ++i)
+            if (!size_field(type.fields[i], record, contents))
+                return false;
+        leave();
+        size = element_size(contents);
+        return size < kLargestEncoding;
+    }
+
+    // Writes the record's SEQUENCE so that it ends at `end`; returns where it starts.
+    unsigned char* write_record(const kelm_record_type& type, const void* record,
+                                unsigned char* end) {
+        w_ = end;
+        write_sequence(type, record);
+        return w_;
+    }
+
+  private:
+    bool enter() {
+        if (depth_ >= KELM_ASN_MAX_NESTING)
+            return false;
+        ++depth_;
+        return true;
+    }
+    void leave() { --depth_; }
+
+    bool add(size_t& total, size_t size) {
+        total += size;
+        return total < kLargestEncoding;
+    }
+
+    size_t text_size(const char* text) {
+        if (text == nullptr || text[0] == '\0')
+            return 0;
+        return lcs_ ? text_in_utf8(text).length() : std::strlen(text);
+    }
+
+    bool size_field(const kelm_record_field& f, const void* record, size_t& total) {
+        unsigned char octets[5];
+        switch (f.kind) {
+        case kelm_field_kind::integer:
+        case kelm_field_kind::unsigned_integer:
+        case kelm_field_kind::unsigned16:
+        case kelm_field_kind::unsigned8:
+            return add(total, element_size(integer_octets(written_integer(f, record), octets)));
+        case kelm_field_kind::text:
+            return add(total, element_size(text_size(load<const char*>(record, f.offset))));
+        case kelm_field_kind::octet_text: {
+            const char* text = load<const char*>(record, f.offset);
+            return add(total, element_size(text != nullptr ? std::strlen(text) + 1 : 1));
+        }
+        case kelm_field_kind::bytes: {
+            const void* data = load<const void*>(record, f.offset);
+            return add(total, element_size(data != nullptr ? load<uint32_t>(record, f.aux) : 0));
+        }
+        case kelm_field_kind::fixed_bytes:
+            return add(total, element_size(f.size));
+        case kelm_field_kind::record: {
+            size_t size = 0;
+            return size_record(*f.type, at(record, f.offset), size) && add(total, size);
+        }
+        case kelm_field_kind::optional_record: {
+            const void* nested = load<const void*>(record, f.offset);
+            size_t size = 0;
+            return nested == nullptr || (size_record(*f.type, nested, size) && add(total, size));
+        }
+        case kelm_field_kind::record_list:
+            return size_list<record_list_kind>(f, record, total);
+        case kelm_field_kind::record_list16:
+            return size_list<record_list16_kind>(f, record, total);
+        case kelm_field_kind::record_pointer_list:
+            return size_list<record_pointer_list_kind>(f, record, total);
+        case kelm_field_kind::text_list:
+            return size_list<text_list_kind>(f, record, total);
+        case kelm_field_kind::integer_list:
+            return size_list<integer_list_kind>(f, record, total);
+        case kelm_field_kind::slots:
+            return size_slots(f, record, total);
+        }
+        return false;
+    }
+
+    template <class Kind>
+    bool size_list(const kelm_record_field& f, const void* record, size_t& total) {
+        if (!enter())
+            return false;
+        const unsigned char* array = load<const unsigned char*>(record, f.offset);
+        const unsigned int n = array != nullptr ? Kind::count(f, record) : 0;
+        const size_t entry = list_entry_size(f);
+        size_t contents = 0;
+        for (unsigned int k = 0; k < n; ++k)
+            if (!size_entry(f, array + static_cast<size_t>(k) * entry, contents))
+                return false;
+        leave();
+        return add(total, element_size(contents));
+    }
+
+    bool size_entry(const kelm_record_field& f, const unsigned char* entry, size_t& total) {
+        unsigned char octets[5];
+        size_t size = 0;
+        switch (f.kind) {
+        case kelm_field_kind::record_list:
+        case kelm_field_kind::record_list16:
+            return size_record(*f.type, entry, size) && add(total, size);
+        case kelm_field_kind::record_pointer_list: {
+            // A null entry is written by the object path as a record of zeros that it allocates.
+            const void* nested = load<const void*>(entry, 0);
+            return nested != nullptr && size_record(*f.type, nested, size) && add(total, size);
+        }
+        case kelm_field_kind::text_list:
+            return add(total, element_size(text_size(load<const char*>(entry, 0))));
+        default:
+            return add(total, element_size(integer_octets(
+                                  static_cast<int>(load<uint32_t>(entry, 0)), octets)));
+        }
+    }
+
+    bool size_slots(const kelm_record_field& f, const void* record, size_t& total) {
+        if (!enter())
+            return false;
+        const unsigned int used = slots_written(f, record);
+        size_t contents = 0;
+        for (unsigned int k = 0; k < used; ++k) {
+            const void* filled = slots_kind::slot(f, record, k);
+            size_t size = 2; // an empty slot: NULL
+            if (filled != nullptr && !size_record(*f.type, filled, size))
+                return false;
+            if (!add(contents, size))
+                return false;
+        }
+        leave();
+        return add(total, element_size(contents));
+    }
+
+    // --- the second pass, back to front ---
+
+    void put(unsigned char octet) { *--w_ = octet; }
+    void put(const void* octets, size_t n) {
+        w_ -= n;
+        if (n != 0)
+            std::memcpy(w_, octets, n);
+    }
+    void put_length(size_t n) {
+        if (n < 128) {
+            put(static_cast<unsigned char>(n));
+            return;
+        }
+        unsigned char octets = 0;
+        for (; n != 0; n >>= 8, ++octets)
+            put(static_cast<unsigned char>(n & 0xFF));
+        put(static_cast<unsigned char>(0x80 | octets));
+    }
+    // Closes the element whose contents start at w_ and end at `end`.
+    void close(unsigned char identifier, const unsigned char* end) {
+        put_length(static_cast<size_t>(end - w_));
+        put(identifier);
+    }
+
+    void write_primitive(unsigned char identifier, const void* octets, size_t n) {
+        put(octets, n);
+        put_length(n);
+        put(identifier);
+    }
+
+    void write_integer(int value) {
+        unsigned char octets[5];
+        write_primitive(kInteger, octets, integer_octets(value, octets));
+    }
+
+    void write_text(const char* text) {
+        if (text == nullptr || text[0] == '\0') {
+            write_primitive(kUtf8String, nullptr, 0);
+        } else if (lcs_) {
+            const kelmz_detail::OwnedText utf8 = text_in_utf8(text);
+            write_primitive(kUtf8String, utf8.chars(), utf8.length());
+        } else {
+            write_primitive(kUtf8String, text, std::strlen(text));
+        }
+    }
+
+    void write_sequence(const kelm_record_type& type, const void* record) {
+        const unsigned char* end = w_;
+        for (unsigned int i = type.field_count; i-- > 0;)
+            write_field(type.fields[i], record);
+        close(kSequence, end);
+    }
+
+    void write_field(const kelm_record_field& f, const void* record) {
+        switch (f.kind) {
+        case kelm_field_kind::integer:
+        case kelm_field_kind::unsigned_integer:
+        case kelm_field_kind::unsigned16:
+        case kelm_field_kind::unsigned8:
+            write_integer(written_integer(f, record));
+            return;
+        case kelm_field_kind::text:
+            write_text(load<const char*>(record, f.offset));
+            return;
+        case kelm_field_kind::octet_text: {
+            // The text with its NUL; a null pointer as the single octet 00.
+            const char* text = load<const char*>(record, f.offset);
+            write_primitive(kOctetString, text != nullptr ? text : "",
+                            text != nullptr ? std::strlen(text) + 1 : 1);
+            return;
+        }
+        case kelm_field_kind::bytes: {
+            const void* data = load<const void*>(record, f.offset);
+            write_primitive(kOctetString, data,
+                            data != nullptr ? load<uint32_t>(record, f.aux) : 0);
+            return;
+        }
+        case kelm_field_kind::fixed_bytes:
+            write_primitive(kOctetString, at(record, f.offset), f.size);
+            return;
+        case kelm_field_kind::record:
+            write_sequence(*f.type, at(record, f.offset));
+            return;
+        case kelm_field_kind::optional_record: {
+            const void* nested = load<const void*>(record, f.offset);
+            if (nested != nullptr)
+                write_sequence(*f.type, nested);
+            return;
+        }
+        case kelm_field_kind::record_list:
+            write_list<record_list_kind>(f, record);
+            return;
+        case kelm_field_kind::record_list16:
+            write_list<record_list16_kind>(f, record);
+            return;
+        case kelm_field_kind::record_pointer_list:
+            write_list<record_pointer_list_kind>(f, record);
+            return;
+        case kelm_field_kind::text_list:
+            write_list<text_list_kind>(f, record);
+            return;
+        case kelm_field_kind::integer_list:
+            write_list<integer_list_kind>(f, record);
+            return;
+        case kelm_field_kind::slots:
+            write_slots(f, record);
+            return;
+        }
+    }
+
+    template <class Kind> void write_list(const kelm_record_field& f, const void* record) {
+        const unsigned char* end = w_;
+        const unsigned char* array = load<const unsigned char*>(record, f.offset);
+        const unsigned int n = array != nullptr ? Kind::count(f, record) : 0;
+        const size_t entry_size = list_entry_size(f);
+        for (unsigned int k = n; k-- > 0;) {
+            const unsigned char* entry = array + static_cast<size_t>(k) * entry_size;
+            switch (f.kind) {
+            case kelm_field_kind::record_list:
+            case kelm_field_kind::record_list16:
+                write_sequence(*f.type, entry);
+                break;
+            case kelm_field_kind::record_pointer_list:
+                write_sequence(*f.type, load<const void*>(entry, 0));
+                break;
+            case kelm_field_kind::text_list:
+                write_text(load<const char*>(entry, 0));
+                break;
+            default:
+                write_integer(static_cast<int>(load<uint32_t>(entry, 0)));
+                break;
+            }
+        }
+        close(kSequence, end);
+    }
+
+    void write_slots(const kelm_record_field& f, const void* record) {
+        const unsigned char* end = w_;
+        for (unsigned int k = slots_written(f, record); k-- > 0;) {
+            const void* filled = slots_kind::slot(f, record, k);
+            if (filled != nullptr) {
+                write_sequence(*f.type, filled);
+            } else {
+                put(0x00);
+                put(kNull);
+            }
+        }
+        close(kSequence, end);
+    }
+
+    bool lcs_;
+    unsigned int depth_;
+    unsigned char* w_ = nullptr;
+};
+
+// --- decoding ----------------------------------------------------------------------------------
+
+// What the record mechanism's get_record does, kind by kind, read straight from the DER: the
+// same clearing, the same allocations in the same order with the same failures, the same
+// statuses. Returns 0, a status that get_record would return, or kGiveUp.
+class Decoder {
+  public:
+    Decoder(bool local_codeset, unsigned int depth) : lcs_(local_codeset), depth_(depth) {}
+
+    // Fills `record` from the contents of its SEQUENCE.
+    unsigned int fill_record(const kelm_record_type& type, Span in, void* record) {
+        if (type.clear != nullptr)
+            type.clear(record);
+        else if (!(type.flags & KELM_RECORD_KEEPS_RECORD))
+            std::memset(record, 0, type.record_size);
+        const bool stops = !(type.flags & KELM_RECORD_IGNORES_ELEMENT_STATUS);
+        for (unsigned int i = 0; i < type.field_count; ++i) {
+            const unsigned int status = fill_field(type, type.fields[i], in, record, stops);
+            if (status != KELM_ASN_OK)
+                return status;
+        }
+        return in.empty() ? KELM_ASN_OK : kGiveUp; // surplus elements
+    }
+
+  private:
+    bool enter() {
+        if (depth_ >= KELM_ASN_MAX_NESTING)
+            return false;
+        ++depth_;
+        return true;
+    }
+    void leave() { --depth_; }
+
+    // A nested record's SEQUENCE, one level deeper.
+    unsigned int nested_record(const kelm_record_type& type, Span contents, void* record) {
+        if (!enter())
+            return kGiveUp;
+        const unsigned int status = fill_record(type, contents, record);
+        leave();
+        return status;
+    }
+
+    [[noreturn]] static void memory_error(const kelm_record_type& type, const char* message,
+                                          int line) {
+        throw kelm_asn_memexception(type.source, line != 0 ? line : type.source_line, message);
+    }
+
+    // kelmasnUTF8String::get_value: exhausted memory is a status, not an exception.
+    unsigned int copy_text(Span c, char*& text) const {
+        text = nullptr;
+        const auto count = static_cast<unsigned int>(c.size());
+        const char* source = reinterpret_cast<const char*>(c.p);
+        if (count != 0 && lcs_) {
+            try {
+                const kelmz_detail::OwnedText local = kelmz_detail::utf8_to_local(
+                    source, count, kelmz_detail::current_codeset(), kelmz_detail::Route::Fastest);
+                const auto length = static_cast<unsigned int>(local.length());
+                text = static_cast<char*>(std::malloc(length + 1));
+                if (text == nullptr)
+                    return KELM_ASN_OUT_OF_MEMORY;
+                std::memcpy(text, local.chars(), length + 1);
+                return KELM_ASN_OK;
+            } catch (const kelm_asn_memexception&) {
+                return KELM_ASN_OUT_OF_MEMORY;
+            }
+        }
+        text = static_cast<char*>(std::malloc(count + 1));
+        if (text == nullptr)
+            return KELM_ASN_OUT_OF_MEMORY;
+        if (count != 0)
+            std::memcpy(text, source, count);
+        text[count] = '\0';
+        return KELM_ASN_OK;
+    }
+
+    unsigned int fill_field(const kelm_record_type& type, const kelm_record_field& f, Span& in,
+                            void* record, bool stops) {
+        Span c{};
+        switch (f.kind) {
+        case kelm_field_kind::integer:
+        case kelm_field_kind::unsigned_integer:
+        case kelm_field_kind::unsigned16:
+        case kelm_field_kind::unsigned8: {
+            if (!read_element(in, kInteger, c))
+                return kGiveUp;
+            const int value = integer_value(c.p, static_cast<unsigned int>(c.size()));
+            if (f.kind == kelm_field_kind::unsigned16)
+                store<uint16_t>(record, f.offset, static_cast<uint16_t>(value));
+            else if (f.kind == kelm_field_kind::unsigned8)
+                store<uint8_t>(record, f.offset, static_cast<uint8_t>(value));
+            else
+                store<int32_t>(record, f.offset, value);
+            return KELM_ASN_OK;
+        }
+        case kelm_field_kind::text: {
+            if (!read_element(in, kUtf8String, c))
+                return kGiveUp;
+            char* text = nullptr;
+            const unsigned int status = copy_text(c, text);
+            store<char*>(record, f.offset, text);
+            return stops ? status : KELM_ASN_OK;
+        }
+        case kelm_field_kind::octet_text:
+            if (!read_element(in, kOctetString, c))
+                return kGiveUp;
+            store<unsigned char*>(
+                record, f.offset,
+                kelm_copy_stored_string(c.p, static_cast<unsigned int>(c.size())));
+            return KELM_ASN_OK;
+        case kelm_field_kind::bytes:
+            if (!read_element(in, kOctetString, c))
+                return kGiveUp;
+            store<unsigned char*>(
+                record, f.offset,
+                kelm_copy_stored_octets(c.p, static_cast<unsigned int>(c.size())));
+            store<uint32_t>(record, f.aux, static_cast<uint32_t>(c.size()));
+            return KELM_ASN_OK;
+        case kelm_field_kind::fixed_bytes: {
+            if (!read_element(in, kOctetString, c))
+                return kGiveUp;
+            // The stored length is not checked against the array's: missing bytes read as zeros.
+            const size_t copied = c.size() < f.size ? c.size() : f.size;
+            if (copied != 0)
+                std::memcpy(at(record, f.offset), c.p, copied);
+            if (copied < f.size)
+                std::memset(at(record, f.offset) + copied, 0, f.size - copied);
+            return KELM_ASN_OK;
+        }
+        case kelm_field_kind::record: {
+            if (!read_element(in, kSequence, c))
+                return kGiveUp;
+            const unsigned int status = nested_record(*f.type, c, at(record, f.offset));
+            return status == kGiveUp || stops ? status : KELM_ASN_OK;
+        }
+        case kelm_field_kind::optional_record:
+            return fill_optional(type, f, in, record, stops);
+        case kelm_field_kind::record_list:
+            return fill_list<record_list_kind>(type, f, in, record, stops);
+        case kelm_field_kind::record_list16:
+            return fill_list<record_list16_kind>(type, f, in, record, stops);
+        case kelm_field_kind::record_pointer_list:
+            return fill_list<record_pointer_list_kind>(type, f, in, record, stops);
+        case kelm_field_kind::text_list:
+            return fill_list<text_list_kind>(type, f, in, record, stops);
+        case kelm_field_kind::integer_list:
+            return fill_list<integer_list_kind>(type, f, in, record, stops);
+        case kelm_field_kind::slots:
+            return fill_slots(type, f, in, record, stops);
+        }
+        return kGiveUp;
+    }
+
+    // An OPTIONAL record: absent when the next element is not a SEQUENCE (or there is none), the
+    // next field then read from the same octets.
+    unsigned int fill_optional(const kelm_record_type& type, const kelm_record_field& f, Span& in,
+                               void* record, bool stops) {
+        if (in.empty())
+            return KELM_ASN_OK;
+        const unsigned char identifier = in.p[0];
+        if (identifier != kSequence) {
+            // Another tag number or class: absent. A primitive SEQUENCE, or a tag number in the
+            // high-tag form, is left to the object path.
+            const bool same_class = (identifier & 0xC0) == 0;
+            const unsigned char number = identifier & 0x1F;
+            if (same_class && (number == 0x10 || number == 0x1F))
+                return kGiveUp;
+            return KELM_ASN_OK;
+        }
+        Span c{};
+        if (!read_element(in, kSequence, c))
+            return kGiveUp;
+        void* nested = std::malloc(f.type->record_size);
+        if (nested == nullptr)
+            memory_error(type, "ASN: Out of memory", 0);
+        store<void*>(record, f.offset, nested);
+        const unsigned int status = nested_record(*f.type, c, nested);
+        return status == kGiveUp || stops ? status : KELM_ASN_OK;
+    }
+
+    static unsigned char entry_identifier(const kelm_record_field& f) {
+        switch (f.kind) {
+        case kelm_field_kind::text_list:
+            return kUtf8String;
+        case kelm_field_kind::integer_list:
+            return kInteger;
+        default:
+            return kSequence;
+        }
+    }
+
+    template <class Kind>
+    unsigned int fill_list(const kelm_record_type& type, const kelm_record_field& f, Span& in,
+                           void* record, bool stops) {
+        Span contents{};
+        if (!read_element(in, kSequence, contents))
+            return kGiveUp;
+        if (!enter())
+            return kGiveUp;
+        const unsigned int status = fill_entries<Kind>(type, f, contents, record, stops);
+        leave();
+        return status;
+    }
+
+    template <class Kind>
+    unsigned int fill_entries(const kelm_record_type& type, const kelm_record_field& f,
+                              Span contents, void* record, bool stops) {
+        const unsigned char identifier = entry_identifier(f);
+        unsigned int n = 0;
+        for (Span scan = contents, entry{}; !scan.empty(); ++n)
+            if (!read_element(scan, identifier, entry))
+                return kGiveUp;
+        if (n == 0)
+            return KELM_ASN_OK;
+        const size_t entry_size = list_entry_size(f);
+        auto* array = static_cast<unsigned char*>(std::calloc(n, entry_size));
+        if (array == nullptr)
+            memory_error(type, "ASN: Memory error", type.list_failure_lines.array);
+        store<unsigned char*>(record, f.offset, array);
+        for (unsigned int k = 0; k < n; ++k) {
+            // Counted before it is filled, so that freeing releases a partly filled entry.
+            Kind::set_count(f, record, k + 1);
+            Span c{};
+            read_element(contents, identifier, c);
+            const unsigned int status = fill_entry(type, f, c, array + k * entry_size);
+            if (status == kGiveUp || (status != KELM_ASN_OK && stops))
+                return status;
+        }
+        return KELM_ASN_OK;
+    }
+
+    unsigned int fill_entry(const kelm_record_type& type, const kelm_record_field& f, Span c,
+                            unsigned char* entry) {
+        switch (f.kind) {
+        case kelm_field_kind::record_list:
+        case kelm_field_kind::record_list16:
+            return nested_record(*f.type, c, entry);
+        case kelm_field_kind::record_pointer_list: {
+            void* nested = std::calloc(1, f.type->record_size);
+            if (nested == nullptr)
+                memory_error(type, "ASN: Memory error", type.list_failure_lines.array);
+            store<void*>(entry, 0, nested);
+            return nested_record(*f.type, c, nested);
+        }
+        case kelm_field_kind::text_list: {
+            char* text = nullptr;
+            const unsigned int status = copy_text(c, text);
+            store<char*>(entry, 0, text);
+            return status;
+        }
+        default:
+            store<uint32_t>(
+                entry, 0,
+                static_cast<uint32_t>(integer_value(c.p, static_cast<unsigned int>(c.size()))));
+            return KELM_ASN_OK;
+        }
+    }
+
+    // SEQUENCE OF CHOICE { NULL, record }: an empty slot is NULL and stays null in the record.
+    unsigned int fill_slots(const kelm_record_type& type, const kelm_record_field& f, Span& in,
+                            void* record, bool stops) {
+        Span contents{};
+        if (!read_element(in, kSequence, contents))
+            return kGiveUp;
+        if (!enter())
+            return kGiveUp;
+        unsigned int status = KELM_ASN_OK;
+        unsigned char* slots = at(record, f.offset);
+        for (unsigned int k = 0; !contents.empty(); ++k) {
+            if (k >= f.size) {
+                status = kGiveUp; // more slots than the record holds: left to the object path
+                break;
+            }
+            if (contents.size() >= 2 && contents.p[0] == kNull && contents.p[1] == 0x00) {
+                contents.p += 2;
+                continue;
+            }
+            Span c{};
+            if (!read_element(contents, kSequence, c)) {
+                status = kGiveUp;
+                break;
+            }
+            void* nested = std::calloc(1, f.type->record_size);
+            if (nested == nullptr)
+                memory_error(type, "ASN: Memory error", type.list_failure_lines.array);
+            store<void*>(slots, k * sizeof(void*), nested);
+            status = nested_record(*f.type, c, nested);
+            if (status == kGiveUp || (status != KELM_ASN_OK && stops))
+                break;
+            status = KELM_ASN_OK;
+        }
+        leave();
+        return status;
+    }
+
+    bool lcs_;
+    unsigned int depth_;
+};
+
+bool header_fits(const kelm_asn_buffer_t& in, int version) {
+    return static_cast<unsigned int>(in.length) > 4 && in.data != nullptr &&
+           in.data[2] == kMagic1 && in.data[3] == kMagic2 &&
+           in.data[1] == static_cast<unsigned char>(version) && in.data[0] != 0;
+}
+
+bool environment_forces_object_path() {
+    const char* value = std::getenv("KELMASN_FORCE_OBJECT_PATH");
+    return value != nullptr && value[0] != '\0' && std::strcmp(value, "0") != 0;
+}
+
+std::atomic<bool>& object_path_flag() {
+    static std::atomic<bool> forced{environment_forces_object_path()};
+    return forced;
+}
+
+bool handled_mode(security_t mode) {
+    return mode == KELM_SECURITY_PLAIN || mode == KELM_SECURITY_LOCAL_CODESET;
+}
+
+} // namespace
+
+bool kelm_direct_encode(const kelm_record_type& type, const void* record, kelm_asn_buffer_t& out,
+                        int version, security_t mode, unsigned int& status) {
+    if ((type.flags & kUnusualFlags) || !handled_mode(mode))
+        return false;
+    const bool lcs = mode == KELM_SECURITY_LOCAL_CODESET;
+    const unsigned int depth = kelm_asn_nesting_guard::depth();
+    try {
+        size_t body = 0;
+        if (!Encoder(lcs, depth).size_record(type, record, body))
+            return false;
+        const auto total = static_cast<unsigned int>(kHeaderLength + body);
+        kelm_buffer_t block(KELM_SECURITY_PLAIN);
+        block.extend(total);
+        unsigned char* const data = block.storage;
+        data[0] = kHeaderLength;
+        data[1] = static_cast<unsigned char>(version);
+        data[2] = kMagic1;
+        data[3] = kMagic2;
+        if (Encoder(lcs, depth).write_record(type, record, data + total) != data + kHeaderLength)
+            return false; // the passes disagree: never expected, the object path decides
+        block.remaining = total;
+        unsigned char* bytes = nullptr;
+        unsigned int length = 0;
+        block.detach(bytes, length);
+        out.data = bytes;
+        out.length = length;
+        status = KELM_ASN_OK;
+    } catch (const kelm_asn_exception& e) {
+        kelm_asn_report_exception(e);
+        status = e.status;
+    }
+    return true;
+}
+
+bool kelm_direct_decode(const kelm_record_type& type, void* record, const kelm_asn_buffer_t& in,
+                        int version, security_t mode, unsigned int& status) {
+    if ((type.flags & kUnusualFlags) || !handled_mode(mode) ||
+        type.record_size > kLargestSavedRecord)
+        return false;
+    if (!header_fits(in, version)) {
+        status = KELM_ASN_BAD_VERSION; // the record is not touched
+        return true;
+    }
+    const auto total = static_cast<unsigned int>(in.length);
+    const unsigned int skip = in.data[0];
+    Span all{in.data + (skip < total ? skip : total), in.data + total};
+    Span contents{};
+    // Bytes after the record's element are not read, as the object path leaves them.
+    if (!read_element(all, kSequence, contents))
+        return false;
+    const unsigned int depth = kelm_asn_nesting_guard::depth();
+    if (depth >= KELM_ASN_MAX_NESTING)
+        return false;
+    unsigned char saved[kLargestSavedRecord];
+    std::memcpy(saved, record, type.record_size);
+    unsigned int result;
+    try {
+        result = Decoder(mode == KELM_SECURITY_LOCAL_CODESET, depth + 1)
+                     .fill_record(type, contents, record);
+    } catch (const kelm_asn_exception& e) {
+        // Exhausted memory at one of the record's own allocations: reported as get_record
+        // reports it, the record partly filled but consistent, as the object path leaves it.
+        kelm_asn_report_exception(e);
+        status = e.status;
+        return true;
+    }
+    if (result == kGiveUp) {
+        kelm_asn_record::free_record(type, record);
+        std::memcpy(record, saved, type.record_size);
+        return false;
+    }
+    status = result;
+    return true;
+}
+
+bool kelm_object_path_forced() {
+    return object_path_flag().load(std::memory_order_relaxed);
+}
+
+void kelm_force_object_path(bool forced) {
+    object_path_flag().store(forced, std::memory_order_relaxed);
+}
+
+unsigned int kelm_record_encode(const kelm_record_type& type, const void* record,
+                                kelm_asn_buffer_t& out, int version, security_t mode) {
+    unsigned int status = KELM_ASN_OK;
+    if (!kelm_object_path_forced() && kelm_direct_encode(type, record, out, version, mode, status))
+        return status;
+    return kelm_asn_record::encode(type, record, out, version, mode);
+}
+
+unsigned int kelm_record_decode(const kelm_record_type& type, void* record,
+                                const kelm_asn_buffer_t& in, int version, security_t mode) {
+    unsigned int status = KELM_ASN_OK;
+    if (!kelm_object_path_forced() && kelm_direct_decode(type, record, in, version, mode, status))
+        return status;
+    return kelm_asn_record::decode(type, record, in, version, mode);
+}
