@@ -146,8 +146,9 @@ template <class Record> void expect_same_as_typed(kelm_record_type_id id, const 
             failed_runs += failed.failure_delivered;
         }
         EXPECT_EQ(failed_runs, reference.allocations);
+        // A decode allocates exactly what the record owns: nothing at all for a record of inline
+        // fields only (uuid_t, ip_addr_s_t, ...).
         const Outcome decoded = decode<Record>(example, false, lcs, id);
-        EXPECT_GT(decoded.allocations, 0u);
         failed_runs = 0;
         for (unsigned long n = 1; n <= decoded.allocations + 1; ++n) {
             SCOPED_TRACE(::testing::Message() << "allocation " << n << " of the decode fails");
@@ -155,7 +156,7 @@ template <class Record> void expect_same_as_typed(kelm_record_type_id id, const 
             expect_same(failed, decode<Record>(example, true, lcs, id, n));
             failed_runs += failed.failure_delivered;
         }
-        EXPECT_GE(failed_runs, 1u);
+        EXPECT_GE(failed_runs, decoded.allocations > 0 ? 1u : 0u);
         kelmAsnFreeObj(record);
     }
 }
