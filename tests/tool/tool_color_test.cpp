@@ -1,7 +1,7 @@
 // --color=auto|always|never: colour on a terminal, plain in a pipe or a file, taken by every
 // subcommand; coloured text is the plain text with escape sequences laid over it.
+#include <cctype>
 #include <cstdlib>
-#include <regex>
 #include <string>
 #include <vector>
 
@@ -20,7 +20,21 @@ const std::string kEscape = "\x1b[";
 
 // The text without its ANSI SGR sequences (ECMA-48 8.3.117: CSI parameters m).
 std::string without_colour(const std::string& text) {
-    return std::regex_replace(text, std::regex("\x1b\\[[0-9;]*m"), "");
+    std::string plain;
+    for (size_t i = 0; i < text.size();) {
+        if (text.compare(i, kEscape.size(), kEscape) == 0) {
+            size_t end = i + kEscape.size();
+            while (end < text.size() &&
+                   (std::isdigit(static_cast<unsigned char>(text[end])) || text[end] == ';'))
+                ++end;
+            if (end < text.size() && text[end] == 'm') {
+                i = end + 1;
+                continue;
+            }
+        }
+        plain += text[i++];
+    }
+    return plain;
 }
 
 std::string example_der(const std::string& name) {
