@@ -240,20 +240,26 @@ std::string compare(const Decoded& reference, const Decoded& direct) {
         return "one decode left the record untouched, the other did not";
     if (reference.untouched)
         return "";
+    return decoded_records_differ(reference.type, reference.record.data(), direct.record.data());
+}
+
+} // namespace
+
+std::string decoded_records_differ(const kelm_record_type& type, const unsigned char* reference,
+                                   const unsigned char* other) {
     std::string a, b;
-    describe(reference.type, reference.record.data(), a);
-    describe(direct.type, direct.record.data(), b);
+    describe(type, reference, a);
+    describe(type, other, b);
     if (a != b)
         return "decoded records differ: object path " + a + ", direct " + b;
-    std::vector<unsigned char> x = reference.record, y = direct.record;
-    mask_pointers(reference.type, x.data());
-    mask_pointers(direct.type, y.data());
+    std::vector<unsigned char> x(reference, reference + type.record_size),
+        y(other, other + type.record_size);
+    mask_pointers(type, x.data());
+    mask_pointers(type, y.data());
     if (x != y)
         return "decoded records differ byte by byte, pointers aside";
     return "";
 }
-
-} // namespace
 
 std::string check_direct_codec(const uint8_t* data, size_t size) {
     unsigned int count = 0;

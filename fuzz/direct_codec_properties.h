@@ -7,7 +7,15 @@
 #include <cstdint>
 #include <string>
 
+struct kelm_record_type;
+
 namespace kelmasn_fuzz {
+
+// How two decoded records of `type` differ: their values, pointers followed (texts read no further
+// than their blocks), then their bytes with every pointer zeroed (inline nested records
+// included), so that padding and untouched fields count too. Empty when they are alike.
+std::string decoded_records_differ(const kelm_record_type& type, const unsigned char* reference,
+                                   const unsigned char* other);
 
 // The first byte picks the record type as for check_record_decoding (modulo the number of table
 // types plus the three types reached by type code; a type-code pick is left to that target), and
