@@ -64,9 +64,14 @@ kelm_asn_object::~kelm_asn_object() {
 
 kelm_asn_primitive::~kelm_asn_primitive() = default;
 
+// Every value object stores a name at least twice (its base's, then its own) and once more when
+// destroyed, so this runs for every element of every message: zeroing the field and copying the
+// characters byte by byte gives the bytes of strncpy (the first 16 characters, then zeros)
+// without the two library calls.
 void kelm_asn_object::set_type_name(const char* name) {
     std::memset(type_name, 0, sizeof type_name);
-    std::strncpy(type_name, name, sizeof type_name - 1);
+    for (size_t i = 0; i < sizeof type_name - 1 && name[i] != '\0'; ++i)
+        type_name[i] = name[i];
 }
 
 int kelm_asn_object::check_valid(int) {
