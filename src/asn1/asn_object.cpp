@@ -1,9 +1,10 @@
 // The object core: state flags, the contents cache, defaults, and the tag-length-value frame.
 #include <cstring>
 
+#include "asn_der.h"
+#include "asn_der_internal.h"
 #include "asn_object.h"
 #include "asn_source_site.h"
-#include "asn_der.h"
 
 namespace {
 
@@ -64,9 +65,14 @@ kelm_asn_object::~kelm_asn_object() {
 
 kelm_asn_primitive::~kelm_asn_primitive() = default;
 
+// Every value object stores a name at least twice (its base's, then its own) and once more when
+// destroyed, so this runs for every element of every message: zeroing the field and copying the
+// characters byte by byte gives the bytes of strncpy (the first 16 characters, then zeros)
+// without the two library calls.
 void kelm_asn_object::set_type_name(const char* name) {
     std::memset(type_name, 0, sizeof type_name);
-    std::strncpy(type_name, name, sizeof type_name - 1);
+    for (size_t i = 0; i < sizeof type_name - 1 && name[i] != '\0'; ++i)
+        type_name[i] = name[i];
 }
 
 int kelm_asn_object::check_valid(int) {
@@ -383,7 +389,8 @@ unsigned int kelm_asn_object::read_frame(kelm_r_buffer_t& input) {
     unsigned char* slots[2] = {input.cursor, nullptr};
     unsigned int remaining = input.remaining;
     unsigned int read_tag = 0, read_constructed = 0, read_class = 0;
-    if (kelmAsnGetType(&slots[0], &remaining, &read_tag, &read_constructed, &read_class) != 0)
+    if (kelm_asn_internal::read_identifier(&slots[0], &remaining, &read_tag, &read_constructed,
+                                           &read_class) != 0)
         return restore(absent_allowed ? KELM_ASN_OK : KELM_ASN_INPUT_TOO_SHORT);
     unsigned char* cursor = slots[1] != nullptr ? slots[1] + 1 : slots[0];
     if (!check_type(read_tag, static_cast<int>(read_class)))
@@ -397,7 +404,8 @@ unsigned int kelm_asn_object::read_frame(kelm_r_buffer_t& input) {
         return restore(KELM_ASN_PRIMITIVE_NOT_PERMITTED);
 
     unsigned int definite = 0, length = 0;
-    const unsigned int length_status = kelmAsnGetLength(&cursor, &remaining, &definite, &length);
+    const unsigned int length_status =
+        kelm_asn_internal::read_length(&cursor, &remaining, &definite, &length);
     if (length_status != KELM_ASN_OK)
         return restore(length_status);
     indefinite = definite ? 0 : 1;

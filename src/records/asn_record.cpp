@@ -28,12 +28,19 @@ kelm_asn_object* create_element(const kelm_record_field& f, void* where) {
     return visit_field_kind(f.kind, [&](auto kind) { return decltype(kind)::create(f, where); });
 }
 
+// Whether a class name starts with "asn_", which the stored type name leaves out. The same answer
+// as strncmp(name, "asn_", 4) == 0, without the call: the first differing character (a
+// terminating zero included) ends the test.
+bool has_message_class_prefix(const char* name) {
+    return name[0] == 'a' && name[1] == 's' && name[2] == 'n' && name[3] == '_';
+}
+
 } // namespace
 
 kelm_asn_record::kelm_asn_record(const kelm_record_type& type, security_t sec)
     : kelm_asnbase(sec), type_(type), arena_(nullptr), constructed_(0) {
     const char* name = type.class_name;
-    set_type_name(std::strncmp(name, "asn_", 4) == 0 ? name + 4 : name);
+    set_type_name(has_message_class_prefix(name) ? name + 4 : name);
     try {
         build_elements();
     } catch (...) {
