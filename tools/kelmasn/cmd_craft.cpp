@@ -35,25 +35,9 @@ int run_craft(const std::string& type_name, const std::string& path, const std::
     std::string error;
     if (!read_input(path, bytes, error))
         return complain(error);
-    nlohmann::ordered_json document;
-    if (!parse_json(path, bytes, type->type->record_name, document))
-        return 1;
-    RecordStorage record(*type);
-    if (record.bytes == nullptr)
-        return complain("out of memory");
-    try {
-        record_from_json(*type->type, document, record.bytes);
-    } catch (const JsonFieldError& e) {
-        return complain(path + ": " + e.what());
-    }
     kelm_asn_buffer_t encoded{0, nullptr};
-    const unsigned int status = encode_record(*type, record.bytes, encoded, 2, false);
-    if (status != 0) {
-        const std::string field = refused_field(*type, document, {}, 2, false);
-        return complain(path + ": cannot encode " + type->type->record_name + ": " +
-                        status_line(status) +
-                        (field.empty() ? "" : "; the field it refuses: " + field));
-    }
+    if (!encode_json_record(*type, path, bytes, {}, 2, false, encoded))
+        return 1;
     const std::vector<unsigned char> der(encoded.data, encoded.data + encoded.length);
     kelm_asn_buffer_free(encoded);
     BerNode node;

@@ -170,30 +170,13 @@ int run_encode(const std::string& type_name, const std::string& path, const std:
     std::string error;
     if (!read_input(path, bytes, error))
         return complain(error);
-    nlohmann::ordered_json document;
-    if (!parse_json(path, bytes, type->type->record_name, document))
-        return 1;
-    RecordStorage record(*type);
-    if (record.bytes == nullptr)
-        return complain("out of memory");
     JsonOptions json_options;
     json_options.strict = options.strict;
     json_options.local = local.get();
-    try {
-        record_from_json(*type->type, document, record.bytes, json_options);
-    } catch (const JsonFieldError& e) {
-        return complain(path + ": " + e.what());
-    }
     kelm_asn_buffer_t buffer{0, nullptr};
-    const unsigned int status =
-        encode_record(*type, record.bytes, buffer, options.version, options.local);
-    if (status != 0) {
-        const std::string field =
-            refused_field(*type, document, json_options, options.version, options.local);
-        return complain(path + ": cannot encode " + type->type->record_name + ": " +
-                        status_line(status) +
-                        (field.empty() ? "" : "; the field it refuses: " + field));
-    }
+    if (!encode_json_record(*type, path, bytes, json_options, options.version, options.local,
+                            buffer))
+        return 1;
     const bool written = write_output(output, buffer);
     kelm_asn_buffer_free(buffer);
     if (!written)

@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "ber_tree.h"
+#include "input.h"
 #include "inspect.h"
 #include "kelm/kelm_entry.h"
 #include "messages.h"
@@ -158,21 +159,41 @@ std::string mismatch_of(const ToolType& type, const std::vector<unsigned char>& 
 
 namespace {
 
+// What made a JSON document into an encoding: the library's status, or why no record was made.
+struct DocumentEncoding {
+    unsigned int status = 0;
+    bool no_memory = false; // no record could be allocated
+    std::string misfit;     // the document does not read as a record of the type
+    bool encoded() const { return !no_memory && misfit.empty() && status == 0; }
+};
+
+// `document` read as a record of `type` and encoded into `out`.
+DocumentEncoding encode_document(const ToolType& type, const nlohmann::ordered_json& document,
+                                 const JsonOptions& options, int version, bool local,
+                                 kelm_asn_buffer_t& out) {
+    DocumentEncoding result;
+    RecordStorage record(type);
+    if (record.bytes == nullptr) {
+        result.no_memory = true;
+        return result;
+    }
+    try {
+        record_from_json(*type.type, document, record.bytes, options);
+    } catch (const JsonFieldError& e) {
+        result.misfit = e.what();
+        return result;
+    }
+    result.status = encode_record(type, record.bytes, out, version, local);
+    return result;
+}
+
 // Whether `document` reads as a record of `type` that the library encodes.
 bool encodes(const ToolType& type, const nlohmann::ordered_json& document,
              const JsonOptions& options, int version, bool local) {
-    RecordStorage record(type);
-    if (record.bytes == nullptr)
-        return false;
-    try {
-        record_from_json(*type.type, document, record.bytes, options);
-    } catch (const JsonFieldError&) {
-        return false;
-    }
     kelm_asn_buffer_t out{0, nullptr};
-    const unsigned int status = encode_record(type, record.bytes, out, version, local);
+    const bool encoded = encode_document(type, document, options, version, local, out).encoded();
     kelm_asn_buffer_free(out);
-    return status == 0;
+    return encoded;
 }
 
 // The smallest value of the same JSON type: a list entry or text emptied, a number made 0.
@@ -223,6 +244,28 @@ std::string refused_field(const ToolType& type, const nlohmann::ordered_json& do
         if (!descended)
             return path;
     }
+}
+
+bool encode_json_record(const ToolType& type, const std::string& path,
+                        const std::vector<unsigned char>& bytes, const JsonOptions& options,
+                        int version, bool local, kelm_asn_buffer_t& out) {
+    nlohmann::ordered_json document;
+    if (!parse_json(path, bytes, type.type->record_name, document))
+        return false;
+    const DocumentEncoding result = encode_document(type, document, options, version, local, out);
+    if (result.encoded())
+        return true;
+    if (result.no_memory) {
+        complain("out of memory");
+    } else if (!result.misfit.empty()) {
+        complain(path + ": " + result.misfit);
+    } else {
+        const std::string field = refused_field(type, document, options, version, local);
+        complain(path + ": cannot encode " + type.type->record_name + ": " +
+                 status_line(result.status) +
+                 (field.empty() ? "" : "; the field it refuses: " + field));
+    }
+    return false;
 }
 
 } // namespace kelmasn_tool

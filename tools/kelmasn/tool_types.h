@@ -105,6 +105,14 @@ std::string mismatch_of(const ToolType& type, const std::vector<unsigned char>& 
 std::string refused_field(const ToolType& type, const nlohmann::ordered_json& document,
                           JsonOptions options, int version, bool local);
 
+// A JSON record of `type`, read from `path` as `bytes`, encoded with `options`, the header's
+// `version` and, for `local`, the local code set, into `out` (released with
+// kelm_asn_buffer_free). False with the message written when the JSON does not parse, does not fit
+// the type, or the library refuses it (then naming the field it refuses, when one value is why).
+bool encode_json_record(const ToolType& type, const std::string& path,
+                        const std::vector<unsigned char>& bytes, const JsonOptions& options,
+                        int version, bool local, kelm_asn_buffer_t& out);
+
 } // namespace kelmasn_tool
 
 #endif
