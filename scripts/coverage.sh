@@ -3,7 +3,8 @@
 # committed fuzz seed corpora, started by a person (CI does not run it: it builds two more trees).
 #
 # The test suite comes from the coverage preset (clang source-based coverage) and runs as one
-# process; the seed corpora and the regression inputs are replayed by fuzz/campaign.sh --coverage
+# process, without the test of the exported symbols (their list is g++'s: clang emits a different
+# set of constructor variants); the seed corpora and the regression inputs are replayed by fuzz/campaign.sh --coverage
 # (fuzz-coverage preset). The profiles of both are merged, and the report covers src/, api/ and
 # base_idls/.
 #
@@ -25,7 +26,8 @@ profiles=build/coverage/profiles
 rm -rf "$profiles"
 mkdir -p "$profiles"
 LLVM_PROFILE_FILE="$PWD/$profiles/tests-%p.profraw" build/coverage/tests/kelmasn_tests \
-  --gtest_brief=1 >"$profiles/tests.log" 2>&1 || { tail -n 30 "$profiles/tests.log" >&2; exit 1; }
+  --gtest_brief=1 --gtest_filter=-Symbols.ExportedSymbolsAreExactlyTheCommittedList \
+  >"$profiles/tests.log" 2>&1 || { tail -n 30 "$profiles/tests.log" >&2; exit 1; }
 llvm-profdata merge -sparse "$profiles"/tests-*.profraw -o "$profiles/tests.profdata"
 
 fuzz/campaign.sh --coverage >"$profiles/seeds.log" 2>&1 || { tail -n 30 "$profiles/seeds.log" >&2; exit 1; }
