@@ -206,11 +206,37 @@ bool floor_decode(const kelm_asn_buffer_t& in, attrlist_s_t& list) {
 
 // --- the runs ------------------------------------------------------------------------------------
 
-void report(benchmark::State& state, unsigned long allocations, size_t encoded_size) {
+// The number of elements (tag-length-value triplets, nested ones included) in `n` octets of DER.
+size_t der_elements(const unsigned char* der, size_t n) {
+    size_t count = 0, at = 0;
+    while (at + 2 <= n) {
+        const bool constructed = (der[at] & 0x20) != 0;
+        size_t length = der[at + 1], header = 2;
+        if (length & 0x80) {
+            const size_t octets = length & 0x7F;
+            length = 0;
+            for (size_t k = 0; k < octets; ++k)
+                length = (length << 8) | der[at + 2 + k];
+            header += octets;
+        }
+        ++count;
+        if (constructed)
+            count += der_elements(der + at + header, length);
+        at += header + length;
+    }
+    return count;
+}
+
+// Per record: its allocations, the size of its encoding and the elements in it (so that figures
+// per element can be read beside those per byte: a workload of small INTEGERs has more elements
+// to a byte than one of texts).
+void report(benchmark::State& state, unsigned long allocations, const kelm_asn_buffer_t& encoded) {
     state.SetItemsProcessed(static_cast<int64_t>(state.iterations()));
     state.counters["allocs_per_record"] = benchmark::Counter(
         static_cast<double>(allocations) / static_cast<double>(state.iterations()));
-    state.counters["encoded_bytes"] = static_cast<double>(encoded_size);
+    state.counters["encoded_bytes"] = static_cast<double>(encoded.length);
+    state.counters["elements"] =
+        static_cast<double>(der_elements(encoded.data + 4, encoded.length - 4));
 }
 
 // Encodes `record` per iteration through `encode(out, record)`.
@@ -218,8 +244,6 @@ template <class Record, class Encode>
 void run_encode(benchmark::State& state, Record& record, Encode encode) {
     kelm_asn_buffer_t sample{0, nullptr};
     encode(sample, record);
-    const size_t size = sample.length;
-    kelm_asn_buffer_free(sample);
     kelm_test::reset_allocation_count();
     for (auto _ : state) {
         kelm_asn_buffer_t out{0, nullptr};
@@ -227,7 +251,8 @@ void run_encode(benchmark::State& state, Record& record, Encode encode) {
         benchmark::DoNotOptimize(out.data);
         kelm_asn_buffer_free(out);
     }
-    report(state, kelm_test::allocation_count(), size);
+    report(state, kelm_test::allocation_count(), sample);
+    kelm_asn_buffer_free(sample);
 }
 
 // Decodes the encoding of `record` per iteration through `decode(in, back)`, and frees it.
@@ -245,7 +270,7 @@ void run_decode(benchmark::State& state, Record& record, Decode decode) {
         kelmAsnFreeObj(back);
         kelm_test::reset_allocation_count();
     }
-    report(state, allocations, wire.length);
+    report(state, allocations, wire);
     kelm_asn_buffer_free(wire);
 }
 
