@@ -51,8 +51,9 @@ if [ "$hours" != --coverage ]; then
     while ! build/fuzz/fuzz/"$target" -max_total_time="$share" -timeout=60 -print_final_stats=1 \
         -artifact_prefix="$dir/" "$dir/corpus" fuzz/corpus/"$target" fuzz/regressions \
         >"$dir/fuzz.log" 2>&1; do
-      slow=$(ls "$dir"/timeout-* 2>/dev/null | head -n 1)
-      others=$(ls "$dir"/crash-* "$dir"/leak-* "$dir"/oom-* 2>/dev/null | head -n 1)
+      # (ls fails when nothing matches, which pipefail would make fatal before the report below.)
+      slow=$(ls "$dir"/timeout-* 2>/dev/null | head -n 1 || true)
+      others=$(ls "$dir"/crash-* "$dir"/leak-* "$dir"/oom-* 2>/dev/null | head -n 1 || true)
       if [ -n "$slow" ] && [ -z "$others" ] &&
           build/fuzz/fuzz/"$target" -timeout=60 "$slow" >"$dir/timeout-rerun.log" 2>&1; then
         echo "   $(basename "$slow") ran in time on its own (a loaded machine); going on"

@@ -70,6 +70,20 @@ TEST_F(ToolInspect, ABufferOfAnotherTypeShowsTheTreeAndTheLibrarysStatus) {
                            "UTF8String, length 1\n");
 }
 
+// An element is shown as itself even when its first octets read like a buffer's header: an
+// OCTET STRING (04) whose contents start with AC DC.
+TEST(ToolInspectValues, AnOctetStringWhoseContentsStartWithTheMagicShowsItsOwnBytes) {
+    const std::string path = temp_path("magic-contents.der");
+    write_file(path, std::vector<unsigned char>{0x04, 0x02, 0xAC, 0xDC, 0x30, 0x05, 0x04, 0x03,
+                                                0xAC, 0xDC, 0x05});
+    const ToolRun run = run_tool("inspect '" + path + "'");
+    std::remove(path.c_str());
+    EXPECT_EQ(run.exit_code, 0) << run.err;
+    EXPECT_EQ(run.out, "     0  header: length 4, version 2, magic AC DC\n"
+                       "     4  SEQUENCE, length 5\n"
+                       "     6    OCTET STRING, length 3: AC DC 05\n");
+}
+
 TEST(ToolInspectOptional, AnAbsentOptionalRecordHasALineOfItsOwn) {
     // ekprincipal_t { 1, (no sec_id_pa_t), 2, (no attrlist_t) }
     const std::string path = temp_path("principal.der");

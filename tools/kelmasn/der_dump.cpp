@@ -291,12 +291,14 @@ class Walker {
     // it prints.
     bool extent(size_t offset, size_t& next) { return element(offset, bytes_.size(), 0, next); }
 
-    bool run() {
+    // Prints every element; first the header when `header_allowed` and the bytes start with one.
+    bool run(bool header_allowed) {
         size_t offset = 0;
         const size_t end = bytes_.size();
         if (end == 0)
             return fail(0, "empty input");
-        if (end >= 4 && bytes_[0] == 0x04 && bytes_[2] == 0xAC && bytes_[3] == 0xDC) {
+        if (header_allowed && end >= 4 && bytes_[0] == 0x04 && bytes_[2] == 0xAC &&
+            bytes_[3] == 0xDC) {
             char line[96];
             std::snprintf(line, sizeof line, "%6u  header: length %u, version %u, magic AC DC\n",
                           0u, bytes_[0], bytes_[1]);
@@ -424,7 +426,12 @@ class Walker {
 
 bool dump_der(std::vector<unsigned char> bytes, std::string& out, DumpError& error) {
     Walker walker(bytes, out, error);
-    return walker.run();
+    return walker.run(true);
+}
+
+bool dump_elements(std::vector<unsigned char> bytes, std::string& out, DumpError& error) {
+    Walker walker(bytes, out, error);
+    return walker.run(false);
 }
 
 bool element_end(std::vector<unsigned char> bytes, size_t offset, size_t& end, DumpError& error) {

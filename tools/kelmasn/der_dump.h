@@ -20,6 +20,10 @@ struct DumpError {
 // was printed up to that point stays in `out`.
 bool dump_der(std::vector<unsigned char> bytes, std::string& out, DumpError& error);
 
+// As dump_der, for bytes that hold elements only: no header is looked for, so an OCTET STRING
+// whose contents start with AC DC (04 nn AC DC ...) is the element it is.
+bool dump_elements(std::vector<unsigned char> bytes, std::string& out, DumpError& error);
+
 // Sets `end` to the offset just past the element that starts at `offset` of `bytes`, its
 // children (definite or indefinite length) walked. Returns false, with `error` filled, when the
 // bytes there are not one well-formed element.

@@ -48,21 +48,19 @@ std::string offset_column(size_t offset) {
     return column;
 }
 
-// A primitive element's value as the der subcommand shows it.
+// A primitive element's value as the der subcommand shows it: the end of the element's one line.
 std::string value_of(const std::vector<unsigned char>& bytes, const BerNode& node) {
     if (node.constructed)
         return "";
     std::vector<unsigned char> element(bytes.begin() + static_cast<long>(node.offset),
                                        bytes.begin() + static_cast<long>(node.end));
-    std::string line;
+    std::string lines;
     DumpError error{0, ""};
-    if (!dump_der(element, line, error))
+    if (!dump_elements(element, lines, error))
         return "";
+    const std::string line = lines.substr(0, lines.find('\n'));
     const size_t colon = line.find(": ", line.find("length"));
-    std::string value = colon == std::string::npos ? "" : line.substr(colon + 2);
-    while (!value.empty() && value.back() == '\n')
-        value.pop_back();
-    return value;
+    return colon == std::string::npos ? "" : line.substr(colon + 2);
 }
 
 void untyped(const std::vector<unsigned char>& bytes, const BerNode& node, unsigned int depth,
