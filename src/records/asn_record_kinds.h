@@ -10,6 +10,10 @@
 //                              comparisons), in terms of a few value shapes
 //   read(in, ...)              the field filled from a reader (the tool's JSON, the tests' random
 //                              records), allocating with malloc as get_record does
+//   direct_size(encoder, ...)  the direct codec's first pass: the full size of the field's
+//                              element added to a total; false when the call is left to the
+//                              object path
+//   direct_write(encoder, ...) its second pass: the field's element written back to front
 // kelm_visit_field_kind is the one place that turns a kelm_field_kind into its struct.
 //
 // A writer offers: integer(int64_t), text(const char*), octet_text(const char*),
@@ -21,6 +25,12 @@
 // begin_list(max, what) (the entries of a list, at most `max`) or begin_slots(size) (the slots
 // given, at most `size`) / end_list(), enter_entry(k) / leave(), and out_of_memory(), which does
 // not return.
+// A direct encoder offers, for its first pass, size_integer(int, total), size_text(text, total),
+// size_octets(n, total), size_record(type, record, total), size_null(total) and
+// size_list(total, fn) (fn(contents) adds the entries' sizes to `contents`), each false when the
+// call is left to the object path; for its second pass the mirror images write_integer(int),
+// write_text(text), write_octets(octets, n), write_record(type, record), write_null() and
+// write_list(fn) (fn() writes the entries, the last first).
 //
 // Ownership: read allocates with malloc/calloc, so that free_record releases what it filled.
 #ifndef KELM_ASN_RECORD_KINDS_H
@@ -114,6 +124,15 @@ template <class Member, class Written, class Read> struct integer_kind_of : scal
                       static_cast<Member>(in.integer(std::numeric_limits<Member>::min(),
                                                      std::numeric_limits<Member>::max())));
     }
+    template <class Encoder>
+    static bool direct_size(Encoder& encoder, const kelm_record_field& f, const void* r,
+                            size_t& total) {
+        return encoder.size_integer(load<Written>(r, f.offset), total);
+    }
+    template <class Encoder>
+    static void direct_write(Encoder& encoder, const kelm_record_field& f, const void* r) {
+        encoder.write_integer(load<Written>(r, f.offset));
+    }
 };
 
 using integer_kind = integer_kind_of<int32_t, int32_t, int>;
@@ -154,6 +173,15 @@ struct text_kind : owned_pointer_kind {
     template <class In> static void read(In& in, const kelm_record_field& f, void* r) {
         store<char*>(r, f.offset, in.text());
     }
+    template <class Encoder>
+    static bool direct_size(Encoder& encoder, const kelm_record_field& f, const void* r,
+                            size_t& total) {
+        return encoder.size_text(load<const char*>(r, f.offset), total);
+    }
+    template <class Encoder>
+    static void direct_write(Encoder& encoder, const kelm_record_field& f, const void* r) {
+        encoder.write_text(load<const char*>(r, f.offset));
+    }
 };
 
 struct octet_string_element {
@@ -183,6 +211,19 @@ struct octet_text_kind : owned_pointer_kind, octet_string_element {
     }
     template <class In> static void read(In& in, const kelm_record_field& f, void* r) {
         store<char*>(r, f.offset, in.text());
+    }
+    // The text with its NUL; a null pointer as the single octet 00.
+    template <class Encoder>
+    static bool direct_size(Encoder& encoder, const kelm_record_field& f, const void* r,
+                            size_t& total) {
+        const char* text = load<const char*>(r, f.offset);
+        return encoder.size_octets(text != nullptr ? std::strlen(text) + 1 : 1, total);
+    }
+    template <class Encoder>
+    static void direct_write(Encoder& encoder, const kelm_record_field& f, const void* r) {
+        const char* text = load<const char*>(r, f.offset);
+        encoder.write_octets(text != nullptr ? text : "",
+                             text != nullptr ? std::strlen(text) + 1 : 1);
     }
 };
 
@@ -220,6 +261,17 @@ struct bytes_kind : owned_pointer_kind, octet_string_element {
         store<unsigned char*>(r, f.offset, data);
         store<uint32_t>(r, f.aux, static_cast<uint32_t>(value.size()));
     }
+    template <class Encoder>
+    static bool direct_size(Encoder& encoder, const kelm_record_field& f, const void* r,
+                            size_t& total) {
+        const void* data = load<const void*>(r, f.offset);
+        return encoder.size_octets(data != nullptr ? load<uint32_t>(r, f.aux) : 0, total);
+    }
+    template <class Encoder>
+    static void direct_write(Encoder& encoder, const kelm_record_field& f, const void* r) {
+        const void* data = load<const void*>(r, f.offset);
+        encoder.write_octets(data, data != nullptr ? load<uint32_t>(r, f.aux) : 0);
+    }
 };
 
 // `size` bytes inline: written in full, read back as exactly `size` bytes.
@@ -241,6 +293,15 @@ struct fixed_bytes_kind : scalar_kind, octet_string_element {
     template <class In> static void read(In& in, const kelm_record_field& f, void* r) {
         const std::string value = in.fixed_bytes(f.size);
         std::memcpy(at(r, f.offset), value.data(), f.size);
+    }
+    template <class Encoder>
+    static bool direct_size(Encoder& encoder, const kelm_record_field& f, const void*,
+                            size_t& total) {
+        return encoder.size_octets(f.size, total);
+    }
+    template <class Encoder>
+    static void direct_write(Encoder& encoder, const kelm_record_field& f, const void* r) {
+        encoder.write_octets(at(r, f.offset), f.size);
     }
 };
 
@@ -308,6 +369,15 @@ struct record_kind {
     template <class In> static void read(In& in, const kelm_record_field& f, void* r) {
         read_record(in, *f.type, at(r, f.offset));
     }
+    template <class Encoder>
+    static bool direct_size(Encoder& encoder, const kelm_record_field& f, const void* r,
+                            size_t& total) {
+        return encoder.size_record(*f.type, at(r, f.offset), total);
+    }
+    template <class Encoder>
+    static void direct_write(Encoder& encoder, const kelm_record_field& f, const void* r) {
+        encoder.write_record(*f.type, at(r, f.offset));
+    }
 };
 
 // A pointer to a record of `type`, NULL when absent: an OPTIONAL element.
@@ -356,13 +426,27 @@ struct optional_record_kind {
     template <class In> static void read(In& in, const kelm_record_field& f, void* r) {
         read_pointed_record(in, *f.type, at(r, f.offset));
     }
+    // Absent: nothing written.
+    template <class Encoder>
+    static bool direct_size(Encoder& encoder, const kelm_record_field& f, const void* r,
+                            size_t& total) {
+        const void* nested = load<const void*>(r, f.offset);
+        return nested == nullptr || encoder.size_record(*f.type, nested, total);
+    }
+    template <class Encoder>
+    static void direct_write(Encoder& encoder, const kelm_record_field& f, const void* r) {
+        const void* nested = load<const void*>(r, f.offset);
+        if (nested != nullptr)
+            encoder.write_record(*f.type, nested);
+    }
 };
 
 // --- lists -------------------------------------------------------------------------------------
 
 // What every list kind shares: a count at `aux` (32 bits unless Count says otherwise) and a
 // pointer to an array of entries at `offset`. Entry describes one entry: its size in the array,
-// the element it is written with, how it is read back, released, written and read.
+// the element it is written with, how it is read back, released, written and read; for the direct
+// codec, its element's size and writing.
 template <class Entry, class Count = uint32_t> struct list_kind {
     static constexpr bool is_list = true;
 
@@ -447,6 +531,32 @@ template <class Entry, class Count = uint32_t> struct list_kind {
         }
         in.end_list();
     }
+
+    // SEQUENCE OF the entries.
+    template <class Encoder>
+    static bool direct_size(Encoder& encoder, const kelm_record_field& f, const void* r,
+                            size_t& total) {
+        return encoder.size_list(total, [&](size_t& contents) {
+            const unsigned char* array = load<const unsigned char*>(r, f.offset);
+            const unsigned int n = array != nullptr ? count(f, r) : 0;
+            const size_t entry_size = Entry::size(f);
+            for (unsigned int k = 0; k < n; ++k)
+                if (!Entry::direct_size(encoder, f, array + static_cast<size_t>(k) * entry_size,
+                                        contents))
+                    return false;
+            return true;
+        });
+    }
+    template <class Encoder>
+    static void direct_write(Encoder& encoder, const kelm_record_field& f, const void* r) {
+        encoder.write_list([&] {
+            const unsigned char* array = load<const unsigned char*>(r, f.offset);
+            const unsigned int n = array != nullptr ? count(f, r) : 0;
+            const size_t entry_size = Entry::size(f);
+            for (unsigned int k = n; k-- > 0;)
+                Entry::direct_write(encoder, f, array + static_cast<size_t>(k) * entry_size);
+        });
+    }
 };
 
 // Entries of a list of records held in the array itself.
@@ -477,6 +587,15 @@ struct record_entry {
     }
     template <class In> static void read(In& in, const kelm_record_field& f, void* e) {
         read_record(in, *f.type, e);
+    }
+    template <class Encoder>
+    static bool direct_size(Encoder& encoder, const kelm_record_field& f, const void* e,
+                            size_t& total) {
+        return encoder.size_record(*f.type, e, total);
+    }
+    template <class Encoder>
+    static void direct_write(Encoder& encoder, const kelm_record_field& f, const void* e) {
+        encoder.write_record(*f.type, e);
     }
 };
 
@@ -528,6 +647,18 @@ struct record_pointer_entry {
     template <class In> static void read(In& in, const kelm_record_field& f, void* e) {
         read_pointed_record(in, *f.type, e);
     }
+    // A null entry is written by the object path as a record of zeros that it allocates: such a
+    // list is left to it.
+    template <class Encoder>
+    static bool direct_size(Encoder& encoder, const kelm_record_field& f, const void* e,
+                            size_t& total) {
+        const void* nested = load<const void*>(e, 0);
+        return nested != nullptr && encoder.size_record(*f.type, nested, total);
+    }
+    template <class Encoder>
+    static void direct_write(Encoder& encoder, const kelm_record_field& f, const void* e) {
+        encoder.write_record(*f.type, load<const void*>(e, 0));
+    }
 };
 
 // Entries of a list of texts: char* each, UTF8String on the wire.
@@ -562,6 +693,15 @@ struct text_entry {
     template <class In> static void read(In& in, const kelm_record_field&, void* e) {
         store<char*>(e, 0, in.text());
     }
+    template <class Encoder>
+    static bool direct_size(Encoder& encoder, const kelm_record_field&, const void* e,
+                            size_t& total) {
+        return encoder.size_text(load<const char*>(e, 0), total);
+    }
+    template <class Encoder>
+    static void direct_write(Encoder& encoder, const kelm_record_field&, const void* e) {
+        encoder.write_text(load<const char*>(e, 0));
+    }
 };
 
 // Entries of a list of unsigned 32-bit integers, INTEGER on the wire through the signed view.
@@ -595,6 +735,15 @@ struct integer_entry {
     template <class In> static void read(In& in, const kelm_record_field&, void* e) {
         store<uint32_t>(e, 0, static_cast<uint32_t>(in.integer(0, UINT32_MAX)));
     }
+    template <class Encoder>
+    static bool direct_size(Encoder& encoder, const kelm_record_field&, const void* e,
+                            size_t& total) {
+        return encoder.size_integer(static_cast<int>(load<uint32_t>(e, 0)), total);
+    }
+    template <class Encoder>
+    static void direct_write(Encoder& encoder, const kelm_record_field&, const void* e) {
+        encoder.write_integer(static_cast<int>(load<uint32_t>(e, 0)));
+    }
 };
 
 using record_list_kind = list_kind<record_entry>;
@@ -610,6 +759,13 @@ struct slots_kind {
 
     static const void* slot(const kelm_record_field& f, const void* record, unsigned int k) {
         return load<const void*>(at(record, f.offset), k * sizeof(void*));
+    }
+    // The last filled slot plus one: the slots written, the empty ones after it left out.
+    static unsigned int slots_written(const kelm_record_field& f, const void* record) {
+        unsigned int used = f.size;
+        while (used > 0 && slot(f, record, used - 1) == nullptr)
+            --used;
+        return used;
     }
 
     static size_t element_size(const kelm_record_field& f) { return f.type->ops->slots_size; }
@@ -655,9 +811,7 @@ struct slots_kind {
     }
     template <class Out> static void write(Out& out, const kelm_record_field& f, const void* r) {
         // As on the wire, the empty slots after the last filled one are left out.
-        unsigned int used = f.size;
-        while (used > 0 && slot(f, r, used - 1) == nullptr)
-            --used;
+        const unsigned int used = slots_written(f, r);
         out.begin_list(used);
         for (unsigned int k = 0; k < used; ++k)
             write_pointed_record(out, *f.type, at(r, f.offset + k * sizeof(void*)));
@@ -671,6 +825,34 @@ struct slots_kind {
             in.leave();
         }
         in.end_list();
+    }
+
+    // An empty slot is NULL.
+    template <class Encoder>
+    static bool direct_size(Encoder& encoder, const kelm_record_field& f, const void* r,
+                            size_t& total) {
+        return encoder.size_list(total, [&](size_t& contents) {
+            const unsigned int used = slots_written(f, r);
+            for (unsigned int k = 0; k < used; ++k) {
+                const void* filled = slot(f, r, k);
+                if (filled != nullptr ? !encoder.size_record(*f.type, filled, contents)
+                                      : !encoder.size_null(contents))
+                    return false;
+            }
+            return true;
+        });
+    }
+    template <class Encoder>
+    static void direct_write(Encoder& encoder, const kelm_record_field& f, const void* r) {
+        encoder.write_list([&] {
+            for (unsigned int k = slots_written(f, r); k-- > 0;) {
+                const void* filled = slot(f, r, k);
+                if (filled != nullptr)
+                    encoder.write_record(*f.type, filled);
+                else
+                    encoder.write_null();
+            }
+        });
     }
 };
 
