@@ -1,16 +1,15 @@
 // The direct codec of records: DER written from a record and its table in two passes (the sizes
 // bottom-up, then the contents back to front into one block), and DER read straight into the
-// record. How each field's element is sized and written belongs to the field's kind (direct_size
-// and direct_write in asn_record_kinds.h); the decoder takes the kinds in the order of
-// kelm_field_kind.
+// record. How each field's element is sized, written and read belongs to the field's kind
+// (direct_size, direct_write and direct_read in asn_record_kinds.h, where a kind's writing and
+// reading sit together); here are the two passes, the nesting depth, the conversion of texts and
+// the entry points.
 #include "asn_record_direct.h"
 
 #include <atomic>
-#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
-#include "asn_copies_internal.h"
 #include "asn_direct_der.h"
 #include "asn_record_kinds.h"
 #include "kelmz_internal.h"
@@ -31,23 +30,6 @@ constexpr size_t kLargestSavedRecord = 2048;
 constexpr unsigned int kGiveUp = 1;
 
 const unsigned int kUnusualFlags = KELM_RECORD_VERSION_ELEMENT | KELM_RECORD_BARE_ELEMENT;
-
-// --- sizes and octets shared by both directions --------------------------------------------
-
-// The size of one entry of a list's array.
-size_t list_entry_size(const kelm_record_field& f) {
-    switch (f.kind) {
-    case kelm_field_kind::record_list:
-    case kelm_field_kind::record_list16:
-        return record_entry::size(f);
-    case kelm_field_kind::integer_list:
-        return integer_entry::size(f);
-    case kelm_field_kind::text_list:
-        return text_entry::size(f);
-    default:
-        return record_pointer_entry::size(f);
-    }
-}
 
 // The record's text in UTF-8, for the local-code-set mode.
 kelmz_detail::OwnedText text_in_utf8(const char* text) {
@@ -221,11 +203,14 @@ class Encoder {
 
 // --- decoding ----------------------------------------------------------------------------------
 
-// What the record mechanism's get_record does, kind by kind, read straight from the DER: the
-// same clearing, the same allocations in the same order with the same failures, the same
-// statuses. Returns 0, a status that get_record would return, or kGiveUp.
+// What the record mechanism's get_record does, read straight from the DER: the same clearing,
+// then each field as its kind reads it (direct_read of asn_record_kinds.h), with the same
+// allocations in the same order, the same failures and the same statuses. Returns 0, a status
+// that get_record would return, or kGiveUp.
 class Decoder {
   public:
+    static constexpr unsigned int give_up = kGiveUp;
+
     Decoder(bool local_codeset, unsigned int depth) : lcs_(local_codeset), depth_(depth) {}
 
     // Fills `record` from the contents of its SEQUENCE.
@@ -234,23 +219,17 @@ class Decoder {
             type.clear(record);
         else if (!(type.flags & KELM_RECORD_KEEPS_RECORD))
             std::memset(record, 0, type.record_size);
-        const bool stops = !(type.flags & KELM_RECORD_IGNORES_ELEMENT_STATUS);
+        const copy_context context{type, !(type.flags & KELM_RECORD_IGNORES_ELEMENT_STATUS)};
         for (unsigned int i = 0; i < type.field_count; ++i) {
-            const unsigned int status = fill_field(type, type.fields[i], in, record, stops);
+            const kelm_record_field& f = type.fields[i];
+            const unsigned int status = visit_field_kind(f.kind, [&](auto kind) {
+                return decltype(kind)::direct_read(*this, in, f, record, context);
+            });
             if (status != KELM_ASN_OK)
                 return status;
         }
         return in.empty() ? KELM_ASN_OK : kGiveUp; // surplus elements
     }
-
-  private:
-    bool enter() {
-        if (depth_ >= KELM_ASN_MAX_NESTING)
-            return false;
-        ++depth_;
-        return true;
-    }
-    void leave() { --depth_; }
 
     // A nested record's SEQUENCE, one level deeper.
     unsigned int nested_record(const kelm_record_type& type, Span contents, void* record) {
@@ -261,9 +240,17 @@ class Decoder {
         return status;
     }
 
-    [[noreturn]] static void memory_error(const kelm_record_type& type, const char* message,
-                                          int line) {
-        throw kelm_asn_memexception(type.source, line != 0 ? line : type.source_line, message);
+    // The next element as a SEQUENCE OF, one level deeper, its contents handed to
+    // fill_entries(contents), whose result is returned.
+    template <class FillEntries> unsigned int read_list(Span& in, FillEntries&& fill_entries) {
+        Span contents{};
+        if (!read_element(in, kSequence, contents))
+            return kGiveUp;
+        if (!enter())
+            return kGiveUp;
+        const unsigned int status = fill_entries(contents);
+        leave();
+        return status;
     }
 
     // kelmasnUTF8String::get_value: exhausted memory is a status, not an exception.
@@ -294,224 +281,14 @@ class Decoder {
         return KELM_ASN_OK;
     }
 
-    unsigned int fill_field(const kelm_record_type& type, const kelm_record_field& f, Span& in,
-                            void* record, bool stops) {
-        Span c{};
-        switch (f.kind) {
-        case kelm_field_kind::integer:
-        case kelm_field_kind::unsigned_integer:
-        case kelm_field_kind::unsigned16:
-        case kelm_field_kind::unsigned8: {
-            if (!read_element(in, kInteger, c))
-                return kGiveUp;
-            const int value = integer_value(c.p, static_cast<unsigned int>(c.size()));
-            if (f.kind == kelm_field_kind::unsigned16)
-                store<uint16_t>(record, f.offset, static_cast<uint16_t>(value));
-            else if (f.kind == kelm_field_kind::unsigned8)
-                store<uint8_t>(record, f.offset, static_cast<uint8_t>(value));
-            else
-                store<int32_t>(record, f.offset, value);
-            return KELM_ASN_OK;
-        }
-        case kelm_field_kind::text: {
-            if (!read_element(in, kUtf8String, c))
-                return kGiveUp;
-            char* text = nullptr;
-            const unsigned int status = copy_text(c, text);
-            store<char*>(record, f.offset, text);
-            return stops ? status : KELM_ASN_OK;
-        }
-        case kelm_field_kind::octet_text:
-            if (!read_element(in, kOctetString, c))
-                return kGiveUp;
-            store<unsigned char*>(
-                record, f.offset,
-                kelm_copy_stored_string(c.p, static_cast<unsigned int>(c.size())));
-            return KELM_ASN_OK;
-        case kelm_field_kind::bytes:
-            if (!read_element(in, kOctetString, c))
-                return kGiveUp;
-            store<unsigned char*>(
-                record, f.offset,
-                kelm_copy_stored_octets(c.p, static_cast<unsigned int>(c.size())));
-            store<uint32_t>(record, f.aux, static_cast<uint32_t>(c.size()));
-            return KELM_ASN_OK;
-        case kelm_field_kind::fixed_bytes: {
-            if (!read_element(in, kOctetString, c))
-                return kGiveUp;
-            // The stored length is not checked against the array's: missing bytes read as zeros.
-            const size_t copied = c.size() < f.size ? c.size() : f.size;
-            if (copied != 0)
-                std::memcpy(at(record, f.offset), c.p, copied);
-            if (copied < f.size)
-                std::memset(at(record, f.offset) + copied, 0, f.size - copied);
-            return KELM_ASN_OK;
-        }
-        case kelm_field_kind::record: {
-            if (!read_element(in, kSequence, c))
-                return kGiveUp;
-            const unsigned int status = nested_record(*f.type, c, at(record, f.offset));
-            return status == kGiveUp || stops ? status : KELM_ASN_OK;
-        }
-        case kelm_field_kind::optional_record:
-            return fill_optional(type, f, in, record, stops);
-        case kelm_field_kind::record_list:
-            return fill_list<record_list_kind>(type, f, in, record, stops);
-        case kelm_field_kind::record_list16:
-            return fill_list<record_list16_kind>(type, f, in, record, stops);
-        case kelm_field_kind::record_pointer_list:
-            return fill_list<record_pointer_list_kind>(type, f, in, record, stops);
-        case kelm_field_kind::text_list:
-            return fill_list<text_list_kind>(type, f, in, record, stops);
-        case kelm_field_kind::integer_list:
-            return fill_list<integer_list_kind>(type, f, in, record, stops);
-        case kelm_field_kind::slots:
-            return fill_slots(type, f, in, record, stops);
-        }
-        return kGiveUp;
+  private:
+    bool enter() {
+        if (depth_ >= KELM_ASN_MAX_NESTING)
+            return false;
+        ++depth_;
+        return true;
     }
-
-    // An OPTIONAL record: absent when the next element is not a SEQUENCE (or there is none), the
-    // next field then read from the same octets.
-    unsigned int fill_optional(const kelm_record_type& type, const kelm_record_field& f, Span& in,
-                               void* record, bool stops) {
-        if (in.empty())
-            return KELM_ASN_OK;
-        const unsigned char identifier = in.p[0];
-        if (identifier != kSequence) {
-            // Another tag number or class: absent. A primitive SEQUENCE, or a tag number in the
-            // high-tag form, is left to the object path.
-            const bool same_class = (identifier & 0xC0) == 0;
-            const unsigned char number = identifier & 0x1F;
-            if (same_class && (number == 0x10 || number == 0x1F))
-                return kGiveUp;
-            return KELM_ASN_OK;
-        }
-        Span c{};
-        if (!read_element(in, kSequence, c))
-            return kGiveUp;
-        void* nested = std::malloc(f.type->record_size);
-        if (nested == nullptr)
-            memory_error(type, "ASN: Out of memory", 0);
-        store<void*>(record, f.offset, nested);
-        const unsigned int status = nested_record(*f.type, c, nested);
-        return status == kGiveUp || stops ? status : KELM_ASN_OK;
-    }
-
-    static unsigned char entry_identifier(const kelm_record_field& f) {
-        switch (f.kind) {
-        case kelm_field_kind::text_list:
-            return kUtf8String;
-        case kelm_field_kind::integer_list:
-            return kInteger;
-        default:
-            return kSequence;
-        }
-    }
-
-    template <class Kind>
-    unsigned int fill_list(const kelm_record_type& type, const kelm_record_field& f, Span& in,
-                           void* record, bool stops) {
-        Span contents{};
-        if (!read_element(in, kSequence, contents))
-            return kGiveUp;
-        if (!enter())
-            return kGiveUp;
-        const unsigned int status = fill_entries<Kind>(type, f, contents, record, stops);
-        leave();
-        return status;
-    }
-
-    template <class Kind>
-    unsigned int fill_entries(const kelm_record_type& type, const kelm_record_field& f,
-                              Span contents, void* record, bool stops) {
-        const unsigned char identifier = entry_identifier(f);
-        unsigned int n = 0;
-        for (Span scan = contents, entry{}; !scan.empty(); ++n)
-            if (!read_element(scan, identifier, entry))
-                return kGiveUp;
-        if (n == 0)
-            return KELM_ASN_OK;
-        const size_t entry_size = list_entry_size(f);
-        auto* array = static_cast<unsigned char*>(std::calloc(n, entry_size));
-        if (array == nullptr)
-            memory_error(type, "ASN: Memory error", type.list_failure_lines.array);
-        store<unsigned char*>(record, f.offset, array);
-        for (unsigned int k = 0; k < n; ++k) {
-            // Counted before it is filled, so that freeing releases a partly filled entry.
-            Kind::set_count(f, record, k + 1);
-            Span c{};
-            read_element(contents, identifier, c);
-            const unsigned int status = fill_entry(type, f, c, array + k * entry_size);
-            if (status == kGiveUp || (status != KELM_ASN_OK && stops))
-                return status;
-        }
-        return KELM_ASN_OK;
-    }
-
-    unsigned int fill_entry(const kelm_record_type& type, const kelm_record_field& f, Span c,
-                            unsigned char* entry) {
-        switch (f.kind) {
-        case kelm_field_kind::record_list:
-        case kelm_field_kind::record_list16:
-            return nested_record(*f.type, c, entry);
-        case kelm_field_kind::record_pointer_list: {
-            void* nested = std::calloc(1, f.type->record_size);
-            if (nested == nullptr)
-                memory_error(type, "ASN: Memory error", type.list_failure_lines.array);
-            store<void*>(entry, 0, nested);
-            return nested_record(*f.type, c, nested);
-        }
-        case kelm_field_kind::text_list: {
-            char* text = nullptr;
-            const unsigned int status = copy_text(c, text);
-            store<char*>(entry, 0, text);
-            return status;
-        }
-        default:
-            store<uint32_t>(
-                entry, 0,
-                static_cast<uint32_t>(integer_value(c.p, static_cast<unsigned int>(c.size()))));
-            return KELM_ASN_OK;
-        }
-    }
-
-    // SEQUENCE OF CHOICE { NULL, record }: an empty slot is NULL and stays null in the record.
-    unsigned int fill_slots(const kelm_record_type& type, const kelm_record_field& f, Span& in,
-                            void* record, bool stops) {
-        Span contents{};
-        if (!read_element(in, kSequence, contents))
-            return kGiveUp;
-        if (!enter())
-            return kGiveUp;
-        unsigned int status = KELM_ASN_OK;
-        unsigned char* slots = at(record, f.offset);
-        for (unsigned int k = 0; !contents.empty(); ++k) {
-            if (k >= f.size) {
-                status = kGiveUp; // more slots than the record holds: left to the object path
-                break;
-            }
-            if (contents.size() >= 2 && contents.p[0] == kNull && contents.p[1] == 0x00) {
-                contents.p += 2;
-                continue;
-            }
-            Span c{};
-            if (!read_element(contents, kSequence, c)) {
-                status = kGiveUp;
-                break;
-            }
-            void* nested = std::calloc(1, f.type->record_size);
-            if (nested == nullptr)
-                memory_error(type, "ASN: Memory error", type.list_failure_lines.array);
-            store<void*>(slots, k * sizeof(void*), nested);
-            status = nested_record(*f.type, c, nested);
-            if (status == kGiveUp || (status != KELM_ASN_OK && stops))
-                break;
-            status = KELM_ASN_OK;
-        }
-        leave();
-        return status;
-    }
+    void leave() { --depth_; }
 
     bool lcs_;
     unsigned int depth_;
