@@ -127,6 +127,20 @@ inline bool read_element(Span& in, unsigned char identifier, Span& contents) {
     return true;
 }
 
+// Reads the next element when it is a NULL in its one DER form, 05 00 (X.690 8.8); false, `in`
+// unchanged, for anything else.
+inline bool read_null(Span& in) {
+    if (in.size() < 2 || in.p[0] != kNull || in.p[1] != 0x00)
+        return false;
+    in.p += 2;
+    return true;
+}
+
+// The identifier octet of the next element; `in` is not empty.
+inline unsigned char next_identifier(const Span& in) {
+    return in.p[0];
+}
+
 } // namespace kelm_direct_der
 
 #endif

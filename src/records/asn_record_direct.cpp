@@ -1,15 +1,15 @@
 // The direct codec of records: DER written from a record and its table in two passes (the sizes
 // bottom-up, then the contents back to front into one block), and DER read straight into the
-// record. The encoder and the decoder each take the kinds in the order of kelm_field_kind, so that
-// a kind's writing and reading are compared line by line.
+// record. How each field's element is sized, written and read belongs to the field's kind
+// (direct_size, direct_write and direct_read in asn_record_kinds.h, where a kind's writing and
+// reading sit together); here are the two passes, the nesting depth, the conversion of texts and
+// the entry points.
 #include "asn_record_direct.h"
 
 #include <atomic>
-#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
-#include "asn_copies_internal.h"
 #include "asn_direct_der.h"
 #include "asn_record_kinds.h"
 #include "kelmz_internal.h"
@@ -31,45 +31,6 @@ constexpr unsigned int kGiveUp = 1;
 
 const unsigned int kUnusualFlags = KELM_RECORD_VERSION_ELEMENT | KELM_RECORD_BARE_ELEMENT;
 
-// --- sizes and octets shared by both directions --------------------------------------------
-
-// The value written for an integer member, as the kinds' to_element hands it to set_value.
-int written_integer(const kelm_record_field& f, const void* record) {
-    switch (f.kind) {
-    case kelm_field_kind::unsigned_integer:
-        return load<int32_t>(record, f.offset);
-    case kelm_field_kind::unsigned16:
-        return load<uint16_t>(record, f.offset);
-    case kelm_field_kind::unsigned8:
-        return load<uint8_t>(record, f.offset);
-    default:
-        return load<int32_t>(record, f.offset);
-    }
-}
-
-// The slot array's last filled slot plus one: the slots written.
-unsigned int slots_written(const kelm_record_field& f, const void* record) {
-    unsigned int used = f.size;
-    while (used > 0 && slots_kind::slot(f, record, used - 1) == nullptr)
-        --used;
-    return used;
-}
-
-// The size of one entry of a list's array.
-size_t list_entry_size(const kelm_record_field& f) {
-    switch (f.kind) {
-    case kelm_field_kind::record_list:
-    case kelm_field_kind::record_list16:
-        return record_entry::size(f);
-    case kelm_field_kind::integer_list:
-        return integer_entry::size(f);
-    case kelm_field_kind::text_list:
-        return text_entry::size(f);
-    default:
-        return record_pointer_entry::size(f);
-    }
-}
-
 // The record's text in UTF-8, for the local-code-set mode.
 kelmz_detail::OwnedText text_in_utf8(const char* text) {
     return kelmz_detail::local_to_utf8(text, std::strlen(text), kelmz_detail::current_codeset(),
@@ -78,18 +39,42 @@ kelmz_detail::OwnedText text_in_utf8(const char* text) {
 
 // --- encoding ----------------------------------------------------------------------------------
 
-// Two passes over the record: size() gives each element's full size bottom-up, write() then
-// fills the block back to front, so that every length is known when its element is closed. The
-// passes visit the same fields in opposite orders; the local-code-set mode converts each text
-// in both, with the same result. Both give up (size() returns false) on what the object path
-// refuses: a record nested past KELM_ASN_MAX_NESTING, a null entry of a list of separately
-// allocated records, an encoding too large.
+// Two passes over the record: the size_ operations give each element's full size bottom-up, the
+// write_ operations then fill the block back to front, so that every length is known when its
+// element is closed. Each field's kind says what its element is (direct_size, direct_write of
+// asn_record_kinds.h). The passes visit the same fields in opposite orders; the local-code-set
+// mode converts each text in both, with the same result. The first pass gives up (returns false)
+// on what the object path refuses: a record nested past KELM_ASN_MAX_NESTING, a null entry of a
+// list of separately allocated records, an encoding too large.
 class Encoder {
   public:
     Encoder(bool local_codeset, unsigned int depth) : lcs_(local_codeset), depth_(depth) {}
 
-    // The full size of the record's SEQUENCE into `size`.
-    bool size_record(const kelm_record_type& type, const void* record, size_t& size) {
+    // Writes the record's SEQUENCE so that it ends at `end`; returns where it starts.
+    unsigned char* write_encoding(const kelm_record_type& type, const void* record,
+                                  unsigned char* end) {
+        w_ = end;
+        write_record(type, record);
+        return w_;
+    }
+
+    // --- the first pass: each adds an element's full size to `total` ---
+
+    bool size_integer(int value, size_t& total) {
+        unsigned char octets[5];
+        return add(total, element_size(integer_octets(value, octets)));
+    }
+
+    bool size_text(const char* text, size_t& total) {
+        return add(total, element_size(text_length(text)));
+    }
+
+    bool size_octets(size_t n, size_t& total) { return add(total, element_size(n)); }
+
+    bool size_null(size_t& total) { return add(total, 2); }
+
+    // The record's SEQUENCE, one level deeper.
+    bool size_record(const kelm_record_type& type, const void* record, size_t& total) {
         if (!enter())
             return false;
         size_t contents = 0;
@@ -97,16 +82,58 @@ class Encoder {
             if (!size_field(type.fields[i], record, contents))
                 return false;
         leave();
-        size = element_size(contents);
-        return size < kLargestEncoding;
+        const size_t size = element_size(contents);
+        return size < kLargestEncoding && add(total, size);
     }
 
-    // Writes the record's SEQUENCE so that it ends at `end`; returns where it starts.
-    unsigned char* write_record(const kelm_record_type& type, const void* record,
-                                unsigned char* end) {
-        w_ = end;
-        write_sequence(type, record);
-        return w_;
+    // A SEQUENCE OF, one level deeper, whose entries size_entries(contents) adds up.
+    template <class SizeEntries> bool size_list(size_t& total, SizeEntries&& size_entries) {
+        if (!enter())
+            return false;
+        size_t contents = 0;
+        if (!size_entries(contents))
+            return false;
+        leave();
+        return add(total, element_size(contents));
+    }
+
+    // --- the second pass, back to front ---
+
+    void write_integer(int value) {
+        unsigned char octets[5];
+        write_primitive(kInteger, octets, integer_octets(value, octets));
+    }
+
+    void write_text(const char* text) {
+        if (text == nullptr || text[0] == '\0') {
+            write_primitive(kUtf8String, nullptr, 0);
+        } else if (lcs_) {
+            const kelmz_detail::OwnedText utf8 = text_in_utf8(text);
+            write_primitive(kUtf8String, utf8.chars(), utf8.length());
+        } else {
+            write_primitive(kUtf8String, text, std::strlen(text));
+        }
+    }
+
+    void write_octets(const void* octets, size_t n) { write_primitive(kOctetString, octets, n); }
+
+    void write_null() {
+        put(0x00);
+        put(kNull);
+    }
+
+    void write_record(const kelm_record_type& type, const void* record) {
+        const unsigned char* end = w_;
+        for (unsigned int i = type.field_count; i-- > 0;)
+            write_field(type.fields[i], record);
+        close(kSequence, end);
+    }
+
+    // A SEQUENCE OF whose entries write_entries() writes, the last first.
+    template <class WriteEntries> void write_list(WriteEntries&& write_entries) {
+        const unsigned char* end = w_;
+        write_entries();
+        close(kSequence, end);
     }
 
   private:
@@ -123,110 +150,23 @@ class Encoder {
         return total < kLargestEncoding;
     }
 
-    size_t text_size(const char* text) {
+    // The octets of a text's UTF8String contents.
+    size_t text_length(const char* text) {
         if (text == nullptr || text[0] == '\0')
             return 0;
         return lcs_ ? text_in_utf8(text).length() : std::strlen(text);
     }
 
     bool size_field(const kelm_record_field& f, const void* record, size_t& total) {
-        unsigned char octets[5];
-        switch (f.kind) {
-        case kelm_field_kind::integer:
-        case kelm_field_kind::unsigned_integer:
-        case kelm_field_kind::unsigned16:
-        case kelm_field_kind::unsigned8:
-            return add(total, element_size(integer_octets(written_integer(f, record), octets)));
-        case kelm_field_kind::text:
-            return add(total, element_size(text_size(load<const char*>(record, f.offset))));
-        case kelm_field_kind::octet_text: {
-            const char* text = load<const char*>(record, f.offset);
-            return add(total, element_size(text != nullptr ? std::strlen(text) + 1 : 1));
-        }
-        case kelm_field_kind::bytes: {
-            const void* data = load<const void*>(record, f.offset);
-            return add(total, element_size(data != nullptr ? load<uint32_t>(record, f.aux) : 0));
-        }
-        case kelm_field_kind::fixed_bytes:
-            return add(total, element_size(f.size));
-        case kelm_field_kind::record: {
-            size_t size = 0;
-            return size_record(*f.type, at(record, f.offset), size) && add(total, size);
-        }
-        case kelm_field_kind::optional_record: {
-            const void* nested = load<const void*>(record, f.offset);
-            size_t size = 0;
-            return nested == nullptr || (size_record(*f.type, nested, size) && add(total, size));
-        }
-        case kelm_field_kind::record_list:
-            return size_list<record_list_kind>(f, record, total);
-        case kelm_field_kind::record_list16:
-            return size_list<record_list16_kind>(f, record, total);
-        case kelm_field_kind::record_pointer_list:
-            return size_list<record_pointer_list_kind>(f, record, total);
-        case kelm_field_kind::text_list:
-            return size_list<text_list_kind>(f, record, total);
-        case kelm_field_kind::integer_list:
-            return size_list<integer_list_kind>(f, record, total);
-        case kelm_field_kind::slots:
-            return size_slots(f, record, total);
-        }
-        return false;
+        return visit_field_kind(f.kind, [&](auto kind) {
+            return decltype(kind)::direct_size(*this, f, record, total);
+        });
     }
 
-    template <class Kind>
-    bool size_list(const kelm_record_field& f, const void* record, size_t& total) {
-        if (!enter())
-            return false;
-        const unsigned char* array = load<const unsigned char*>(record, f.offset);
-        const unsigned int n = array != nullptr ? Kind::count(f, record) : 0;
-        const size_t entry = list_entry_size(f);
-        size_t contents = 0;
-        for (unsigned int k = 0; k < n; ++k)
-            if (!size_entry(f, array + static_cast<size_t>(k) * entry, contents))
-                return false;
-        leave();
-        return add(total, element_size(contents));
+    void write_field(const kelm_record_field& f, const void* record) {
+        visit_field_kind(f.kind,
+                         [&](auto kind) { decltype(kind)::direct_write(*this, f, record); });
     }
-
-    bool size_entry(const kelm_record_field& f, const unsigned char* entry, size_t& total) {
-        unsigned char octets[5];
-        size_t size = 0;
-        switch (f.kind) {
-        case kelm_field_kind::record_list:
-        case kelm_field_kind::record_list16:
-            return size_record(*f.type, entry, size) && add(total, size);
-        case kelm_field_kind::record_pointer_list: {
-            // A null entry is written by the object path as a record of zeros that it allocates.
-            const void* nested = load<const void*>(entry, 0);
-            return nested != nullptr && size_record(*f.type, nested, size) && add(total, size);
-        }
-        case kelm_field_kind::text_list:
-            return add(total, element_size(text_size(load<const char*>(entry, 0))));
-        default:
-            return add(total, element_size(integer_octets(
-                                  static_cast<int>(load<uint32_t>(entry, 0)), octets)));
-        }
-    }
-
-    bool size_slots(const kelm_record_field& f, const void* record, size_t& total) {
-        if (!enter())
-            return false;
-        const unsigned int used = slots_written(f, record);
-        size_t contents = 0;
-        for (unsigned int k = 0; k < used; ++k) {
-            const void* filled = slots_kind::slot(f, record, k);
-            size_t size = 2; // an empty slot: NULL
-            if (filled != nullptr && !size_record(*f.type, filled, size))
-                return false;
-            if (!add(contents, size))
-                return false;
-        }
-        leave();
-        return add(total, element_size(contents));
-    }
-
-    // --- the second pass, back to front ---
 
     void put(unsigned char octet) { *--w_ = octet; }
     void put(const void* octets, size_t n) {
@@ -256,126 +196,6 @@ class Encoder {
         put(identifier);
     }
 
-    void write_integer(int value) {
-        unsigned char octets[5];
-        write_primitive(kInteger, octets, integer_octets(value, octets));
-    }
-
-    void write_text(const char* text) {
-        if (text == nullptr || text[0] == '\0') {
-            write_primitive(kUtf8String, nullptr, 0);
-        } else if (lcs_) {
-            const kelmz_detail::OwnedText utf8 = text_in_utf8(text);
-            write_primitive(kUtf8String, utf8.chars(), utf8.length());
-        } else {
-            write_primitive(kUtf8String, text, std::strlen(text));
-        }
-    }
-
-    void write_sequence(const kelm_record_type& type, const void* record) {
-        const unsigned char* end = w_;
-        for (unsigned int i = type.field_count; i-- > 0;)
-            write_field(type.fields[i], record);
-        close(kSequence, end);
-    }
-
-    void write_field(const kelm_record_field& f, const void* record) {
-        switch (f.kind) {
-        case kelm_field_kind::integer:
-        case kelm_field_kind::unsigned_integer:
-        case kelm_field_kind::unsigned16:
-        case kelm_field_kind::unsigned8:
-            write_integer(written_integer(f, record));
-            return;
-        case kelm_field_kind::text:
-            write_text(load<const char*>(record, f.offset));
-            return;
-        case kelm_field_kind::octet_text: {
-            // The text with its NUL; a null pointer as the single octet 00.
-            const char* text = load<const char*>(record, f.offset);
-            write_primitive(kOctetString, text != nullptr ? text : "",
-                            text != nullptr ? std::strlen(text) + 1 : 1);
-            return;
-        }
-        case kelm_field_kind::bytes: {
-            const void* data = load<const void*>(record, f.offset);
-            write_primitive(kOctetString, data,
-                            data != nullptr ? load<uint32_t>(record, f.aux) : 0);
-            return;
-        }
-        case kelm_field_kind::fixed_bytes:
-            write_primitive(kOctetString, at(record, f.offset), f.size);
-            return;
-        case kelm_field_kind::record:
-            write_sequence(*f.type, at(record, f.offset));
-            return;
-        case kelm_field_kind::optional_record: {
-            const void* nested = load<const void*>(record, f.offset);
-            if (nested != nullptr)
-                write_sequence(*f.type, nested);
-            return;
-        }
-        case kelm_field_kind::record_list:
-            write_list<record_list_kind>(f, record);
-            return;
-        case kelm_field_kind::record_list16:
-            write_list<record_list16_kind>(f, record);
-            return;
-        case kelm_field_kind::record_pointer_list:
-            write_list<record_pointer_list_kind>(f, record);
-            return;
-        case kelm_field_kind::text_list:
-            write_list<text_list_kind>(f, record);
-            return;
-        case kelm_field_kind::integer_list:
-            write_list<integer_list_kind>(f, record);
-            return;
-        case kelm_field_kind::slots:
-            write_slots(f, record);
-            return;
-        }
-    }
-
-    template <class Kind> void write_list(const kelm_record_field& f, const void* record) {
-        const unsigned char* end = w_;
-        const unsigned char* array = load<const unsigned char*>(record, f.offset);
-        const unsigned int n = array != nullptr ? Kind::count(f, record) : 0;
-        const size_t entry_size = list_entry_size(f);
-        for (unsigned int k = n; k-- > 0;) {
-            const unsigned char* entry = array + static_cast<size_t>(k) * entry_size;
-            switch (f.kind) {
-            case kelm_field_kind::record_list:
-            case kelm_field_kind::record_list16:
-                write_sequence(*f.type, entry);
-                break;
-            case kelm_field_kind::record_pointer_list:
-                write_sequence(*f.type, load<const void*>(entry, 0));
-                break;
-            case kelm_field_kind::text_list:
-                write_text(load<const char*>(entry, 0));
-                break;
-            default:
-                write_integer(static_cast<int>(load<uint32_t>(entry, 0)));
-                break;
-            }
-        }
-        close(kSequence, end);
-    }
-
-    void write_slots(const kelm_record_field& f, const void* record) {
-        const unsigned char* end = w_;
-        for (unsigned int k = slots_written(f, record); k-- > 0;) {
-            const void* filled = slots_kind::slot(f, record, k);
-            if (filled != nullptr) {
-                write_sequence(*f.type, filled);
-            } else {
-                put(0x00);
-                put(kNull);
-            }
-        }
-        close(kSequence, end);
-    }
-
     bool lcs_;
     unsigned int depth_;
     unsigned char* w_ = nullptr;
@@ -383,11 +203,14 @@ class Encoder {
 
 // --- decoding ----------------------------------------------------------------------------------
 
-// What the record mechanism's get_record does, kind by kind, read straight from the DER: the
-// same clearing, the same allocations in the same order with the same failures, the same
-// statuses. Returns 0, a status that get_record would return, or kGiveUp.
+// What the record mechanism's get_record does, read straight from the DER: the same clearing,
+// then each field as its kind reads it (direct_read of asn_record_kinds.h), with the same
+// allocations in the same order, the same failures and the same statuses. Returns 0, a status
+// that get_record would return, or kGiveUp.
 class Decoder {
   public:
+    static constexpr unsigned int give_up = kGiveUp;
+
     Decoder(bool local_codeset, unsigned int depth) : lcs_(local_codeset), depth_(depth) {}
 
     // Fills `record` from the contents of its SEQUENCE.
@@ -396,23 +219,17 @@ class Decoder {
             type.clear(record);
         else if (!(type.flags & KELM_RECORD_KEEPS_RECORD))
             std::memset(record, 0, type.record_size);
-        const bool stops = !(type.flags & KELM_RECORD_IGNORES_ELEMENT_STATUS);
+        const copy_context context{type, !(type.flags & KELM_RECORD_IGNORES_ELEMENT_STATUS)};
         for (unsigned int i = 0; i < type.field_count; ++i) {
-            const unsigned int status = fill_field(type, type.fields[i], in, record, stops);
+            const kelm_record_field& f = type.fields[i];
+            const unsigned int status = visit_field_kind(f.kind, [&](auto kind) {
+                return decltype(kind)::direct_read(*this, in, f, record, context);
+            });
             if (status != KELM_ASN_OK)
                 return status;
         }
         return in.empty() ? KELM_ASN_OK : kGiveUp; // surplus elements
     }
-
-  private:
-    bool enter() {
-        if (depth_ >= KELM_ASN_MAX_NESTING)
-            return false;
-        ++depth_;
-        return true;
-    }
-    void leave() { --depth_; }
 
     // A nested record's SEQUENCE, one level deeper.
     unsigned int nested_record(const kelm_record_type& type, Span contents, void* record) {
@@ -423,9 +240,17 @@ class Decoder {
         return status;
     }
 
-    [[noreturn]] static void memory_error(const kelm_record_type& type, const char* message,
-                                          int line) {
-        throw kelm_asn_memexception(type.source, line != 0 ? line : type.source_line, message);
+    // The next element as a SEQUENCE OF, one level deeper, its contents handed to
+    // fill_entries(contents), whose result is returned.
+    template <class FillEntries> unsigned int read_list(Span& in, FillEntries&& fill_entries) {
+        Span contents{};
+        if (!read_element(in, kSequence, contents))
+            return kGiveUp;
+        if (!enter())
+            return kGiveUp;
+        const unsigned int status = fill_entries(contents);
+        leave();
+        return status;
     }
 
     // kelmasnUTF8String::get_value: exhausted memory is a status, not an exception.
@@ -456,224 +281,14 @@ class Decoder {
         return KELM_ASN_OK;
     }
 
-    unsigned int fill_field(const kelm_record_type& type, const kelm_record_field& f, Span& in,
-                            void* record, bool stops) {
-        Span c{};
-        switch (f.kind) {
-        case kelm_field_kind::integer:
-        case kelm_field_kind::unsigned_integer:
-        case kelm_field_kind::unsigned16:
-        case kelm_field_kind::unsigned8: {
-            if (!read_element(in, kInteger, c))
-                return kGiveUp;
-            const int value = integer_value(c.p, static_cast<unsigned int>(c.size()));
-            if (f.kind == kelm_field_kind::unsigned16)
-                store<uint16_t>(record, f.offset, static_cast<uint16_t>(value));
-            else if (f.kind == kelm_field_kind::unsigned8)
-                store<uint8_t>(record, f.offset, static_cast<uint8_t>(value));
-            else
-                store<int32_t>(record, f.offset, value);
-            return KELM_ASN_OK;
-        }
-        case kelm_field_kind::text: {
-            if (!read_element(in, kUtf8String, c))
-                return kGiveUp;
-            char* text = nullptr;
-            const unsigned int status = copy_text(c, text);
-            store<char*>(record, f.offset, text);
-            return stops ? status : KELM_ASN_OK;
-        }
-        case kelm_field_kind::octet_text:
-            if (!read_element(in, kOctetString, c))
-                return kGiveUp;
-            store<unsigned char*>(
-                record, f.offset,
-                kelm_copy_stored_string(c.p, static_cast<unsigned int>(c.size())));
-            return KELM_ASN_OK;
-        case kelm_field_kind::bytes:
-            if (!read_element(in, kOctetString, c))
-                return kGiveUp;
-            store<unsigned char*>(
-                record, f.offset,
-                kelm_copy_stored_octets(c.p, static_cast<unsigned int>(c.size())));
-            store<uint32_t>(record, f.aux, static_cast<uint32_t>(c.size()));
-            return KELM_ASN_OK;
-        case kelm_field_kind::fixed_bytes: {
-            if (!read_element(in, kOctetString, c))
-                return kGiveUp;
-            // The stored length is not checked against the array's: missing bytes read as zeros.
-            const size_t copied = c.size() < f.size ? c.size() : f.size;
-            if (copied != 0)
-                std::memcpy(at(record, f.offset), c.p, copied);
-            if (copied < f.size)
-                std::memset(at(record, f.offset) + copied, 0, f.size - copied);
-            return KELM_ASN_OK;
-        }
-        case kelm_field_kind::record: {
-            if (!read_element(in, kSequence, c))
-                return kGiveUp;
-            const unsigned int status = nested_record(*f.type, c, at(record, f.offset));
-            return status == kGiveUp || stops ? status : KELM_ASN_OK;
-        }
-        case kelm_field_kind::optional_record:
-            return fill_optional(type, f, in, record, stops);
-        case kelm_field_kind::record_list:
-            return fill_list<record_list_kind>(type, f, in, record, stops);
-        case kelm_field_kind::record_list16:
-            return fill_list<record_list16_kind>(type, f, in, record, stops);
-        case kelm_field_kind::record_pointer_list:
-            return fill_list<record_pointer_list_kind>(type, f, in, record, stops);
-        case kelm_field_kind::text_list:
-            return fill_list<text_list_kind>(type, f, in, record, stops);
-        case kelm_field_kind::integer_list:
-            return fill_list<integer_list_kind>(type, f, in, record, stops);
-        case kelm_field_kind::slots:
-            return fill_slots(type, f, in, record, stops);
-        }
-        return kGiveUp;
+  private:
+    bool enter() {
+        if (depth_ >= KELM_ASN_MAX_NESTING)
+            return false;
+        ++depth_;
+        return true;
     }
-
-    // An OPTIONAL record: absent when the next element is not a SEQUENCE (or there is none), the
-    // next field then read from the same octets.
-    unsigned int fill_optional(const kelm_record_type& type, const kelm_record_field& f, Span& in,
-                               void* record, bool stops) {
-        if (in.empty())
-            return KELM_ASN_OK;
-        const unsigned char identifier = in.p[0];
-        if (identifier != kSequence) {
-            // Another tag number or class: absent. A primitive SEQUENCE, or a tag number in the
-            // high-tag form, is left to the object path.
-            const bool same_class = (identifier & 0xC0) == 0;
-            const unsigned char number = identifier & 0x1F;
-            if (same_class && (number == 0x10 || number == 0x1F))
-                return kGiveUp;
-            return KELM_ASN_OK;
-        }
-        Span c{};
-        if (!read_element(in, kSequence, c))
-            return kGiveUp;
-        void* nested = std::malloc(f.type->record_size);
-        if (nested == nullptr)
-            memory_error(type, "ASN: Out of memory", 0);
-        store<void*>(record, f.offset, nested);
-        const unsigned int status = nested_record(*f.type, c, nested);
-        return status == kGiveUp || stops ? status : KELM_ASN_OK;
-    }
-
-    static unsigned char entry_identifier(const kelm_record_field& f) {
-        switch (f.kind) {
-        case kelm_field_kind::text_list:
-            return kUtf8String;
-        case kelm_field_kind::integer_list:
-            return kInteger;
-        default:
-            return kSequence;
-        }
-    }
-
-    template <class Kind>
-    unsigned int fill_list(const kelm_record_type& type, const kelm_record_field& f, Span& in,
-                           void* record, bool stops) {
-        Span contents{};
-        if (!read_element(in, kSequence, contents))
-            return kGiveUp;
-        if (!enter())
-            return kGiveUp;
-        const unsigned int status = fill_entries<Kind>(type, f, contents, record, stops);
-        leave();
-        return status;
-    }
-
-    template <class Kind>
-    unsigned int fill_entries(const kelm_record_type& type, const kelm_record_field& f,
-                              Span contents, void* record, bool stops) {
-        const unsigned char identifier = entry_identifier(f);
-        unsigned int n = 0;
-        for (Span scan = contents, entry{}; !scan.empty(); ++n)
-            if (!read_element(scan, identifier, entry))
-                return kGiveUp;
-        if (n == 0)
-            return KELM_ASN_OK;
-        const size_t entry_size = list_entry_size(f);
-        auto* array = static_cast<unsigned char*>(std::calloc(n, entry_size));
-        if (array == nullptr)
-            memory_error(type, "ASN: Memory error", type.list_failure_lines.array);
-        store<unsigned char*>(record, f.offset, array);
-        for (unsigned int k = 0; k < n; ++k) {
-            // Counted before it is filled, so that freeing releases a partly filled entry.
-            Kind::set_count(f, record, k + 1);
-            Span c{};
-            read_element(contents, identifier, c);
-            const unsigned int status = fill_entry(type, f, c, array + k * entry_size);
-            if (status == kGiveUp || (status != KELM_ASN_OK && stops))
-                return status;
-        }
-        return KELM_ASN_OK;
-    }
-
-    unsigned int fill_entry(const kelm_record_type& type, const kelm_record_field& f, Span c,
-                            unsigned char* entry) {
-        switch (f.kind) {
-        case kelm_field_kind::record_list:
-        case kelm_field_kind::record_list16:
-            return nested_record(*f.type, c, entry);
-        case kelm_field_kind::record_pointer_list: {
-            void* nested = std::calloc(1, f.type->record_size);
-            if (nested == nullptr)
-                memory_error(type, "ASN: Memory error", type.list_failure_lines.array);
-            store<void*>(entry, 0, nested);
-            return nested_record(*f.type, c, nested);
-        }
-        case kelm_field_kind::text_list: {
-            char* text = nullptr;
-            const unsigned int status = copy_text(c, text);
-            store<char*>(entry, 0, text);
-            return status;
-        }
-        default:
-            store<uint32_t>(
-                entry, 0,
-                static_cast<uint32_t>(integer_value(c.p, static_cast<unsigned int>(c.size()))));
-            return KELM_ASN_OK;
-        }
-    }
-
-    // SEQUENCE OF CHOICE { NULL, record }: an empty slot is NULL and stays null in the record.
-    unsigned int fill_slots(const kelm_record_type& type, const kelm_record_field& f, Span& in,
-                            void* record, bool stops) {
-        Span contents{};
-        if (!read_element(in, kSequence, contents))
-            return kGiveUp;
-        if (!enter())
-            return kGiveUp;
-        unsigned int status = KELM_ASN_OK;
-        unsigned char* slots = at(record, f.offset);
-        for (unsigned int k = 0; !contents.empty(); ++k) {
-            if (k >= f.size) {
-                status = kGiveUp; // more slots than the record holds: left to the object path
-                break;
-            }
-            if (contents.size() >= 2 && contents.p[0] == kNull && contents.p[1] == 0x00) {
-                contents.p += 2;
-                continue;
-            }
-            Span c{};
-            if (!read_element(contents, kSequence, c)) {
-                status = kGiveUp;
-                break;
-            }
-            void* nested = std::calloc(1, f.type->record_size);
-            if (nested == nullptr)
-                memory_error(type, "ASN: Memory error", type.list_failure_lines.array);
-            store<void*>(slots, k * sizeof(void*), nested);
-            status = nested_record(*f.type, c, nested);
-            if (status == kGiveUp || (status != KELM_ASN_OK && stops))
-                break;
-            status = KELM_ASN_OK;
-        }
-        leave();
-        return status;
-    }
+    void leave() { --depth_; }
 
     bool lcs_;
     unsigned int depth_;
@@ -708,7 +323,7 @@ bool kelm_direct_encode(const kelm_record_type& type, const void* record, kelm_a
     const bool lcs = mode == KELM_SECURITY_LOCAL_CODESET;
     const unsigned int depth = kelm_asn_nesting_guard::depth();
     try {
-        size_t body = 0;
+        size_t body = 0; // the record's SEQUENCE, added by the first pass
         if (!Encoder(lcs, depth).size_record(type, record, body))
             return false;
         const auto total = static_cast<unsigned int>(kHeaderLength + body);
@@ -719,7 +334,7 @@ bool kelm_direct_encode(const kelm_record_type& type, const void* record, kelm_a
         data[1] = static_cast<unsigned char>(version);
         data[2] = kMagic1;
         data[3] = kMagic2;
-        if (Encoder(lcs, depth).write_record(type, record, data + total) != data + kHeaderLength)
+        if (Encoder(lcs, depth).write_encoding(type, record, data + total) != data + kHeaderLength)
             return false; // the passes disagree: never expected, the object path decides
         block.remaining = total;
         unsigned char* bytes = nullptr;

@@ -10,6 +10,13 @@
 //                              comparisons), in terms of a few value shapes
 //   read(in, ...)              the field filled from a reader (the tool's JSON, the tests' random
 //                              records), allocating with malloc as get_record does
+//   direct_size(encoder, ...)  the direct codec's first pass: the full size of the field's
+//                              element added to a total; false when the call is left to the
+//                              object path
+//   direct_write(encoder, ...) its second pass: the field's element written back to front
+//   direct_read(decoder, ...)  the field read straight from its DER element, as from_element
+//                              fills it from the element object: the same allocations in the
+//                              same order, the same failures and statuses, or decoder.give_up
 // kelm_visit_field_kind is the one place that turns a kelm_field_kind into its struct.
 //
 // A writer offers: integer(int64_t), text(const char*), octet_text(const char*),
@@ -21,8 +28,19 @@
 // begin_list(max, what) (the entries of a list, at most `max`) or begin_slots(size) (the slots
 // given, at most `size`) / end_list(), enter_entry(k) / leave(), and out_of_memory(), which does
 // not return.
+// A direct encoder offers, for its first pass, size_integer(int, total), size_text(text, total),
+// size_octets(n, total), size_record(type, record, total), size_null(total) and
+// size_list(total, fn) (fn(contents) adds the entries' sizes to `contents`), each false when the
+// call is left to the object path; for its second pass the mirror images write_integer(int),
+// write_text(text), write_octets(octets, n), write_record(type, record), write_null() and
+// write_list(fn) (fn() writes the entries, the last first).
+// A direct decoder offers copy_text(contents, text) (kelmasnUTF8String::get_value's status),
+// nested_record(type, contents, record) and read_list(in, fn) (fn(contents) fills the entries of
+// a SEQUENCE OF), the last two one level deeper, and give_up, its result for a call left to the
+// object path; the elements themselves are read with kelm_direct_der's read_element.
 //
-// Ownership: read allocates with malloc/calloc, so that free_record releases what it filled.
+// Ownership: read and direct_read allocate with malloc/calloc, so that free_record releases what
+// they filled.
 #ifndef KELM_ASN_RECORD_KINDS_H
 #define KELM_ASN_RECORD_KINDS_H
 
@@ -33,9 +51,13 @@
 #include <new>
 #include <string>
 
+#include "asn_copies_internal.h"
+#include "asn_direct_der.h"
 #include "asn_record.h"
 
 namespace kelm_record_kinds {
+
+namespace der = kelm_direct_der;
 
 using text_list_t = kelm_asn_sequenceof<kelmasnUTF8String>;
 using integer_list_t = kelm_asn_sequenceof<kelmasn_integer>;
@@ -60,7 +82,8 @@ inline const unsigned char* at(const void* record, size_t offset) {
     return static_cast<const unsigned char*>(record) + offset;
 }
 
-// What a copy between a record and its elements needs to know of the record type it serves.
+// What a copy between a record and its elements (or, for the direct codec, its DER) needs to know
+// of the record type it serves.
 struct copy_context {
     const kelm_record_type& type;
     bool stops_at_failure; // false for a type that ignores its elements' statuses
@@ -114,6 +137,26 @@ template <class Member, class Written, class Read> struct integer_kind_of : scal
                       static_cast<Member>(in.integer(std::numeric_limits<Member>::min(),
                                                      std::numeric_limits<Member>::max())));
     }
+    template <class Encoder>
+    static bool direct_size(Encoder& encoder, const kelm_record_field& f, const void* r,
+                            size_t& total) {
+        return encoder.size_integer(load<Written>(r, f.offset), total);
+    }
+    template <class Encoder>
+    static void direct_write(Encoder& encoder, const kelm_record_field& f, const void* r) {
+        encoder.write_integer(load<Written>(r, f.offset));
+    }
+    template <class Decoder>
+    static unsigned int direct_read(Decoder&, der::Span& in, const kelm_record_field& f, void* r,
+                                    const copy_context&) {
+        der::Span c{};
+        if (!der::read_element(in, der::kInteger, c))
+            return Decoder::give_up;
+        store<Member>(
+            r, f.offset,
+            static_cast<Member>(der::integer_value(c.p, static_cast<unsigned int>(c.size()))));
+        return KELM_ASN_OK;
+    }
 };
 
 using integer_kind = integer_kind_of<int32_t, int32_t, int>;
@@ -154,6 +197,26 @@ struct text_kind : owned_pointer_kind {
     template <class In> static void read(In& in, const kelm_record_field& f, void* r) {
         store<char*>(r, f.offset, in.text());
     }
+    template <class Encoder>
+    static bool direct_size(Encoder& encoder, const kelm_record_field& f, const void* r,
+                            size_t& total) {
+        return encoder.size_text(load<const char*>(r, f.offset), total);
+    }
+    template <class Encoder>
+    static void direct_write(Encoder& encoder, const kelm_record_field& f, const void* r) {
+        encoder.write_text(load<const char*>(r, f.offset));
+    }
+    template <class Decoder>
+    static unsigned int direct_read(Decoder& decoder, der::Span& in, const kelm_record_field& f,
+                                    void* r, const copy_context& context) {
+        der::Span c{};
+        if (!der::read_element(in, der::kUtf8String, c))
+            return Decoder::give_up;
+        char* text = nullptr;
+        const unsigned int status = decoder.copy_text(c, text);
+        store<char*>(r, f.offset, text);
+        return context.stops_at_failure ? status : KELM_ASN_OK;
+    }
 };
 
 struct octet_string_element {
@@ -183,6 +246,29 @@ struct octet_text_kind : owned_pointer_kind, octet_string_element {
     }
     template <class In> static void read(In& in, const kelm_record_field& f, void* r) {
         store<char*>(r, f.offset, in.text());
+    }
+    // The text with its NUL; a null pointer as the single octet 00.
+    template <class Encoder>
+    static bool direct_size(Encoder& encoder, const kelm_record_field& f, const void* r,
+                            size_t& total) {
+        const char* text = load<const char*>(r, f.offset);
+        return encoder.size_octets(text != nullptr ? std::strlen(text) + 1 : 1, total);
+    }
+    template <class Encoder>
+    static void direct_write(Encoder& encoder, const kelm_record_field& f, const void* r) {
+        const char* text = load<const char*>(r, f.offset);
+        encoder.write_octets(text != nullptr ? text : "",
+                             text != nullptr ? std::strlen(text) + 1 : 1);
+    }
+    template <class Decoder>
+    static unsigned int direct_read(Decoder&, der::Span& in, const kelm_record_field& f, void* r,
+                                    const copy_context&) {
+        der::Span c{};
+        if (!der::read_element(in, der::kOctetString, c))
+            return Decoder::give_up;
+        store<unsigned char*>(r, f.offset,
+                              kelm_copy_stored_string(c.p, static_cast<unsigned int>(c.size())));
+        return KELM_ASN_OK;
     }
 };
 
@@ -220,6 +306,28 @@ struct bytes_kind : owned_pointer_kind, octet_string_element {
         store<unsigned char*>(r, f.offset, data);
         store<uint32_t>(r, f.aux, static_cast<uint32_t>(value.size()));
     }
+    template <class Encoder>
+    static bool direct_size(Encoder& encoder, const kelm_record_field& f, const void* r,
+                            size_t& total) {
+        const void* data = load<const void*>(r, f.offset);
+        return encoder.size_octets(data != nullptr ? load<uint32_t>(r, f.aux) : 0, total);
+    }
+    template <class Encoder>
+    static void direct_write(Encoder& encoder, const kelm_record_field& f, const void* r) {
+        const void* data = load<const void*>(r, f.offset);
+        encoder.write_octets(data, data != nullptr ? load<uint32_t>(r, f.aux) : 0);
+    }
+    template <class Decoder>
+    static unsigned int direct_read(Decoder&, der::Span& in, const kelm_record_field& f, void* r,
+                                    const copy_context&) {
+        der::Span c{};
+        if (!der::read_element(in, der::kOctetString, c))
+            return Decoder::give_up;
+        store<unsigned char*>(r, f.offset,
+                              kelm_copy_stored_octets(c.p, static_cast<unsigned int>(c.size())));
+        store<uint32_t>(r, f.aux, static_cast<uint32_t>(c.size()));
+        return KELM_ASN_OK;
+    }
 };
 
 // `size` bytes inline: written in full, read back as exactly `size` bytes.
@@ -241,6 +349,29 @@ struct fixed_bytes_kind : scalar_kind, octet_string_element {
     template <class In> static void read(In& in, const kelm_record_field& f, void* r) {
         const std::string value = in.fixed_bytes(f.size);
         std::memcpy(at(r, f.offset), value.data(), f.size);
+    }
+    template <class Encoder>
+    static bool direct_size(Encoder& encoder, const kelm_record_field& f, const void*,
+                            size_t& total) {
+        return encoder.size_octets(f.size, total);
+    }
+    template <class Encoder>
+    static void direct_write(Encoder& encoder, const kelm_record_field& f, const void* r) {
+        encoder.write_octets(at(r, f.offset), f.size);
+    }
+    template <class Decoder>
+    static unsigned int direct_read(Decoder&, der::Span& in, const kelm_record_field& f, void* r,
+                                    const copy_context&) {
+        der::Span c{};
+        if (!der::read_element(in, der::kOctetString, c))
+            return Decoder::give_up;
+        // The stored length is not checked against the array's: missing bytes read as zeros.
+        const size_t copied = c.size() < f.size ? c.size() : f.size;
+        if (copied != 0)
+            std::memcpy(at(r, f.offset), c.p, copied);
+        if (copied < f.size)
+            std::memset(at(r, f.offset) + copied, 0, f.size - copied);
+        return KELM_ASN_OK;
     }
 };
 
@@ -308,6 +439,24 @@ struct record_kind {
     template <class In> static void read(In& in, const kelm_record_field& f, void* r) {
         read_record(in, *f.type, at(r, f.offset));
     }
+    template <class Encoder>
+    static bool direct_size(Encoder& encoder, const kelm_record_field& f, const void* r,
+                            size_t& total) {
+        return encoder.size_record(*f.type, at(r, f.offset), total);
+    }
+    template <class Encoder>
+    static void direct_write(Encoder& encoder, const kelm_record_field& f, const void* r) {
+        encoder.write_record(*f.type, at(r, f.offset));
+    }
+    template <class Decoder>
+    static unsigned int direct_read(Decoder& decoder, der::Span& in, const kelm_record_field& f,
+                                    void* r, const copy_context& context) {
+        der::Span c{};
+        if (!der::read_element(in, der::kSequence, c))
+            return Decoder::give_up;
+        const unsigned int status = decoder.nested_record(*f.type, c, at(r, f.offset));
+        return status == Decoder::give_up || context.stops_at_failure ? status : KELM_ASN_OK;
+    }
 };
 
 // A pointer to a record of `type`, NULL when absent: an OPTIONAL element.
@@ -356,13 +505,55 @@ struct optional_record_kind {
     template <class In> static void read(In& in, const kelm_record_field& f, void* r) {
         read_pointed_record(in, *f.type, at(r, f.offset));
     }
+    // Absent: nothing written.
+    template <class Encoder>
+    static bool direct_size(Encoder& encoder, const kelm_record_field& f, const void* r,
+                            size_t& total) {
+        const void* nested = load<const void*>(r, f.offset);
+        return nested == nullptr || encoder.size_record(*f.type, nested, total);
+    }
+    template <class Encoder>
+    static void direct_write(Encoder& encoder, const kelm_record_field& f, const void* r) {
+        const void* nested = load<const void*>(r, f.offset);
+        if (nested != nullptr)
+            encoder.write_record(*f.type, nested);
+    }
+    // Absent when the next element is not a SEQUENCE (or there is none), the next field then
+    // read from the same octets.
+    template <class Decoder>
+    static unsigned int direct_read(Decoder& decoder, der::Span& in, const kelm_record_field& f,
+                                    void* r, const copy_context& context) {
+        if (in.empty())
+            return KELM_ASN_OK;
+        const unsigned char identifier = der::next_identifier(in);
+        if (identifier != der::kSequence) {
+            // Another tag number or class: absent. A primitive SEQUENCE, or a tag number in the
+            // high-tag form, is left to the object path.
+            const bool same_class = (identifier & 0xC0) == 0;
+            const unsigned char number = identifier & 0x1F;
+            if (same_class && (number == 0x10 || number == 0x1F))
+                return Decoder::give_up;
+            return KELM_ASN_OK;
+        }
+        der::Span c{};
+        if (!der::read_element(in, der::kSequence, c))
+            return Decoder::give_up;
+        void* nested = std::malloc(f.type->record_size);
+        if (nested == nullptr)
+            context.memory_error("ASN: Out of memory");
+        store<void*>(r, f.offset, nested);
+        const unsigned int status = decoder.nested_record(*f.type, c, nested);
+        return status == Decoder::give_up || context.stops_at_failure ? status : KELM_ASN_OK;
+    }
 };
 
 // --- lists -------------------------------------------------------------------------------------
 
 // What every list kind shares: a count at `aux` (32 bits unless Count says otherwise) and a
 // pointer to an array of entries at `offset`. Entry describes one entry: its size in the array,
-// the element it is written with, how it is read back, released, written and read.
+// the element it is written with, how it is read back, released, written and read; for the direct
+// codec, the identifier of its DER element (direct_identifier), its size and writing, and its
+// filling from that element's contents once the list has read the element (direct_read).
 template <class Entry, class Count = uint32_t> struct list_kind {
     static constexpr bool is_list = true;
 
@@ -447,6 +638,62 @@ template <class Entry, class Count = uint32_t> struct list_kind {
         }
         in.end_list();
     }
+
+    // SEQUENCE OF the entries.
+    template <class Encoder>
+    static bool direct_size(Encoder& encoder, const kelm_record_field& f, const void* r,
+                            size_t& total) {
+        return encoder.size_list(total, [&](size_t& contents) {
+            const unsigned char* array = load<const unsigned char*>(r, f.offset);
+            const unsigned int n = array != nullptr ? count(f, r) : 0;
+            const size_t entry_size = Entry::size(f);
+            for (unsigned int k = 0; k < n; ++k)
+                if (!Entry::direct_size(encoder, f, array + static_cast<size_t>(k) * entry_size,
+                                        contents))
+                    return false;
+            return true;
+        });
+    }
+    template <class Encoder>
+    static void direct_write(Encoder& encoder, const kelm_record_field& f, const void* r) {
+        encoder.write_list([&] {
+            const unsigned char* array = load<const unsigned char*>(r, f.offset);
+            const unsigned int n = array != nullptr ? count(f, r) : 0;
+            const size_t entry_size = Entry::size(f);
+            for (unsigned int k = n; k-- > 0;)
+                Entry::direct_write(encoder, f, array + static_cast<size_t>(k) * entry_size);
+        });
+    }
+    // The entries are counted first, then read into an array of that many.
+    template <class Decoder>
+    static unsigned int direct_read(Decoder& decoder, der::Span& in, const kelm_record_field& f,
+                                    void* r, const copy_context& context) {
+        return decoder.read_list(in, [&](der::Span contents) -> unsigned int {
+            unsigned int n = 0;
+            for (der::Span scan = contents, entry{}; !scan.empty(); ++n)
+                if (!der::read_element(scan, Entry::direct_identifier, entry))
+                    return Decoder::give_up;
+            if (n == 0)
+                return KELM_ASN_OK;
+            const size_t entry_size = Entry::size(f);
+            auto* array = static_cast<unsigned char*>(std::calloc(n, entry_size));
+            if (array == nullptr)
+                context.memory_error("ASN: Memory error", context.type.list_failure_lines.array);
+            store<unsigned char*>(r, f.offset, array);
+            for (unsigned int k = 0; k < n; ++k) {
+                // Counted before it is filled, so that freeing releases a partly filled entry.
+                set_count(f, r, k + 1);
+                der::Span c{};
+                der::read_element(contents, Entry::direct_identifier, c);
+                const unsigned int status =
+                    Entry::direct_read(decoder, c, f, array + k * entry_size, context);
+                if (status == Decoder::give_up ||
+                    (status != KELM_ASN_OK && context.stops_at_failure))
+                    return status;
+            }
+            return KELM_ASN_OK;
+        });
+    }
 };
 
 // Entries of a list of records held in the array itself.
@@ -477,6 +724,21 @@ struct record_entry {
     }
     template <class In> static void read(In& in, const kelm_record_field& f, void* e) {
         read_record(in, *f.type, e);
+    }
+    static constexpr unsigned char direct_identifier = der::kSequence;
+    template <class Encoder>
+    static bool direct_size(Encoder& encoder, const kelm_record_field& f, const void* e,
+                            size_t& total) {
+        return encoder.size_record(*f.type, e, total);
+    }
+    template <class Encoder>
+    static void direct_write(Encoder& encoder, const kelm_record_field& f, const void* e) {
+        encoder.write_record(*f.type, e);
+    }
+    template <class Decoder>
+    static unsigned int direct_read(Decoder& decoder, der::Span c, const kelm_record_field& f,
+                                    void* e, const copy_context&) {
+        return decoder.nested_record(*f.type, c, e);
     }
 };
 
@@ -528,6 +790,28 @@ struct record_pointer_entry {
     template <class In> static void read(In& in, const kelm_record_field& f, void* e) {
         read_pointed_record(in, *f.type, e);
     }
+    static constexpr unsigned char direct_identifier = der::kSequence;
+    // A null entry is written by the object path as a record of zeros that it allocates: such a
+    // list is left to it.
+    template <class Encoder>
+    static bool direct_size(Encoder& encoder, const kelm_record_field& f, const void* e,
+                            size_t& total) {
+        const void* nested = load<const void*>(e, 0);
+        return nested != nullptr && encoder.size_record(*f.type, nested, total);
+    }
+    template <class Encoder>
+    static void direct_write(Encoder& encoder, const kelm_record_field& f, const void* e) {
+        encoder.write_record(*f.type, load<const void*>(e, 0));
+    }
+    template <class Decoder>
+    static unsigned int direct_read(Decoder& decoder, der::Span c, const kelm_record_field& f,
+                                    void* e, const copy_context& context) {
+        void* nested = std::calloc(1, f.type->record_size);
+        if (nested == nullptr)
+            context.memory_error("ASN: Memory error", context.type.list_failure_lines.array);
+        store<void*>(e, 0, nested);
+        return decoder.nested_record(*f.type, c, nested);
+    }
 };
 
 // Entries of a list of texts: char* each, UTF8String on the wire.
@@ -562,6 +846,24 @@ struct text_entry {
     template <class In> static void read(In& in, const kelm_record_field&, void* e) {
         store<char*>(e, 0, in.text());
     }
+    static constexpr unsigned char direct_identifier = der::kUtf8String;
+    template <class Encoder>
+    static bool direct_size(Encoder& encoder, const kelm_record_field&, const void* e,
+                            size_t& total) {
+        return encoder.size_text(load<const char*>(e, 0), total);
+    }
+    template <class Encoder>
+    static void direct_write(Encoder& encoder, const kelm_record_field&, const void* e) {
+        encoder.write_text(load<const char*>(e, 0));
+    }
+    template <class Decoder>
+    static unsigned int direct_read(Decoder& decoder, der::Span c, const kelm_record_field&,
+                                    void* e, const copy_context&) {
+        char* text = nullptr;
+        const unsigned int status = decoder.copy_text(c, text);
+        store<char*>(e, 0, text);
+        return status;
+    }
 };
 
 // Entries of a list of unsigned 32-bit integers, INTEGER on the wire through the signed view.
@@ -595,6 +897,24 @@ struct integer_entry {
     template <class In> static void read(In& in, const kelm_record_field&, void* e) {
         store<uint32_t>(e, 0, static_cast<uint32_t>(in.integer(0, UINT32_MAX)));
     }
+    static constexpr unsigned char direct_identifier = der::kInteger;
+    template <class Encoder>
+    static bool direct_size(Encoder& encoder, const kelm_record_field&, const void* e,
+                            size_t& total) {
+        return encoder.size_integer(static_cast<int>(load<uint32_t>(e, 0)), total);
+    }
+    template <class Encoder>
+    static void direct_write(Encoder& encoder, const kelm_record_field&, const void* e) {
+        encoder.write_integer(static_cast<int>(load<uint32_t>(e, 0)));
+    }
+    template <class Decoder>
+    static unsigned int direct_read(Decoder&, der::Span c, const kelm_record_field&, void* e,
+                                    const copy_context&) {
+        store<uint32_t>(
+            e, 0,
+            static_cast<uint32_t>(der::integer_value(c.p, static_cast<unsigned int>(c.size()))));
+        return KELM_ASN_OK;
+    }
 };
 
 using record_list_kind = list_kind<record_entry>;
@@ -610,6 +930,13 @@ struct slots_kind {
 
     static const void* slot(const kelm_record_field& f, const void* record, unsigned int k) {
         return load<const void*>(at(record, f.offset), k * sizeof(void*));
+    }
+    // The last filled slot plus one: the slots written, the empty ones after it left out.
+    static unsigned int slots_written(const kelm_record_field& f, const void* record) {
+        unsigned int used = f.size;
+        while (used > 0 && slot(f, record, used - 1) == nullptr)
+            --used;
+        return used;
     }
 
     static size_t element_size(const kelm_record_field& f) { return f.type->ops->slots_size; }
@@ -655,9 +982,7 @@ struct slots_kind {
     }
     template <class Out> static void write(Out& out, const kelm_record_field& f, const void* r) {
         // As on the wire, the empty slots after the last filled one are left out.
-        unsigned int used = f.size;
-        while (used > 0 && slot(f, r, used - 1) == nullptr)
-            --used;
+        const unsigned int used = slots_written(f, r);
         out.begin_list(used);
         for (unsigned int k = 0; k < used; ++k)
             write_pointed_record(out, *f.type, at(r, f.offset + k * sizeof(void*)));
@@ -671,6 +996,61 @@ struct slots_kind {
             in.leave();
         }
         in.end_list();
+    }
+
+    // An empty slot is NULL.
+    template <class Encoder>
+    static bool direct_size(Encoder& encoder, const kelm_record_field& f, const void* r,
+                            size_t& total) {
+        return encoder.size_list(total, [&](size_t& contents) {
+            const unsigned int used = slots_written(f, r);
+            for (unsigned int k = 0; k < used; ++k) {
+                const void* filled = slot(f, r, k);
+                if (filled != nullptr ? !encoder.size_record(*f.type, filled, contents)
+                                      : !encoder.size_null(contents))
+                    return false;
+            }
+            return true;
+        });
+    }
+    template <class Encoder>
+    static void direct_write(Encoder& encoder, const kelm_record_field& f, const void* r) {
+        encoder.write_list([&] {
+            for (unsigned int k = slots_written(f, r); k-- > 0;) {
+                const void* filled = slot(f, r, k);
+                if (filled != nullptr)
+                    encoder.write_record(*f.type, filled);
+                else
+                    encoder.write_null();
+            }
+        });
+    }
+    // An empty slot (NULL) stays null in the record.
+    template <class Decoder>
+    static unsigned int direct_read(Decoder& decoder, der::Span& in, const kelm_record_field& f,
+                                    void* r, const copy_context& context) {
+        return decoder.read_list(in, [&](der::Span contents) -> unsigned int {
+            unsigned char* slots = at(r, f.offset);
+            for (unsigned int k = 0; !contents.empty(); ++k) {
+                if (k >= f.size)
+                    return Decoder::give_up; // more slots than the record holds
+                if (der::read_null(contents))
+                    continue;
+                der::Span c{};
+                if (!der::read_element(contents, der::kSequence, c))
+                    return Decoder::give_up;
+                void* nested = std::calloc(1, f.type->record_size);
+                if (nested == nullptr)
+                    context.memory_error("ASN: Memory error",
+                                         context.type.list_failure_lines.array);
+                store<void*>(slots, k * sizeof(void*), nested);
+                const unsigned int status = decoder.nested_record(*f.type, c, nested);
+                if (status == Decoder::give_up ||
+                    (status != KELM_ASN_OK && context.stops_at_failure))
+                    return status;
+            }
+            return KELM_ASN_OK;
+        });
     }
 };
 
