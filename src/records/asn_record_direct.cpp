@@ -104,15 +104,19 @@ class Encoder {
         write_primitive(kInteger, octets, integer_octets(value, octets));
     }
 
+    // Inline for the plain mode; the conversion of the local-code-set mode is a call of its own.
     void write_text(const char* text) {
-        if (text == nullptr || text[0] == '\0') {
+        if (text == nullptr || text[0] == '\0')
             write_primitive(kUtf8String, nullptr, 0);
-        } else if (lcs_) {
-            const kelmz_detail::OwnedText utf8 = text_in_utf8(text);
-            write_primitive(kUtf8String, utf8.chars(), utf8.length());
-        } else {
+        else if (lcs_)
+            write_local_text(text);
+        else
             write_primitive(kUtf8String, text, std::strlen(text));
-        }
+    }
+
+    __attribute__((noinline)) void write_local_text(const char* text) {
+        const kelmz_detail::OwnedText utf8 = text_in_utf8(text);
+        write_primitive(kUtf8String, utf8.chars(), utf8.length());
     }
 
     void write_octets(const void* octets, size_t n) { write_primitive(kOctetString, octets, n); }
@@ -154,7 +158,11 @@ class Encoder {
     size_t text_length(const char* text) {
         if (text == nullptr || text[0] == '\0')
             return 0;
-        return lcs_ ? text_in_utf8(text).length() : std::strlen(text);
+        return lcs_ ? local_text_length(text) : std::strlen(text);
+    }
+
+    __attribute__((noinline)) size_t local_text_length(const char* text) {
+        return text_in_utf8(text).length();
     }
 
     bool size_field(const kelm_record_field& f, const void* record, size_t& total) {
