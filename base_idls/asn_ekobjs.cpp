@@ -7,6 +7,7 @@
 
 #include "asn_ekobjs_internal.h"
 #include "asn_source_site.h"
+#include "asn_type_name_internal.h"
 
 namespace {
 
@@ -28,7 +29,7 @@ unsigned int first_failure(unsigned int earlier, unsigned int later) {
 kelm_asn_cert_request_in::kelm_asn_cert_request_in(security_t sec)
     : kelm_v37_asnbase(sec), string1(KELM_SECURITY_PLAIN), string2(KELM_SECURITY_PLAIN),
       body(KELM_SECURITY_PLAIN) {
-    set_type_name("cert_request_in");
+    kelm_store_type_name(type_name, "cert_request_in");
     body.set_optional(1);
     register_child(&string1);
     register_child(&string2);
@@ -90,7 +91,7 @@ void kelm_asn_cert_request_in::free_obj(cert_request_in& record) {
 kelm_asn_ekobj_update_t::kelm_asn_ekobj_update_t(security_t sec)
     : kelm_v37_asnbase(sec), number1(KELM_SECURITY_PLAIN), text(KELM_SECURITY_PLAIN),
       number2(KELM_SECURITY_PLAIN) {
-    set_type_name("ekobj_update");
+    kelm_store_type_name(type_name, "ekobj_update");
     register_child(&number1);
     register_child(&text);
     register_child(&number2);
@@ -122,7 +123,7 @@ void kelm_asn_ekobj_update_t::free_obj(ekobj_update_s_t& record) {
 
 kelm_asn_ekobj_update_list_t::kelm_asn_ekobj_update_list_t(security_t sec)
     : kelm_v37_asnbase(sec), updates(KELM_SECURITY_PLAIN) {
-    set_type_name("update_list");
+    kelm_store_type_name(type_name, "update_list");
     register_child(&updates);
 }
 

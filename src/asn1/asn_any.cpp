@@ -1,10 +1,11 @@
 // ANY: an element of any tag kept as raw contents octets, or coded through a syntax object; and
 // the element that is always present and writes nothing.
 #include "asn_constructed.h"
+#include "asn_type_name_internal.h"
 
 kelm_asn_any::kelm_asn_any(security_t sec)
     : kelm_asn_object(sec), contents(sec), syntax(nullptr), preparse(nullptr), preencode(nullptr) {
-    set_type_name("ANY");
+    kelm_store_type_name(type_name, "ANY");
     primitive_permitted = 1;
     constructed_permitted = 1;
     indefinite_permitted = 0;
@@ -127,7 +128,7 @@ unsigned int kelm_asn_any::asnwrite(kelm_buffer_t& output) const {
 }
 
 kelm_asn_nothing::kelm_asn_nothing(security_t sec) : kelm_asn_primitive(sec) {
-    set_type_name("NOTHING");
+    kelm_store_type_name(type_name, "NOTHING");
 }
 
 kelm_asn_nothing::~kelm_asn_nothing() = default;

@@ -1,7 +1,8 @@
 // BIT STRING (X.690 8.6), primitive or constructed, and the named-bit variant.
-#include "asn_primitives.h"
-#include "asn_value_internal.h"
 #include "asn_der.h"
+#include "asn_primitives.h"
+#include "asn_type_name_internal.h"
+#include "asn_value_internal.h"
 
 using kelm_asn_internal::install_default;
 using kelm_asn_internal::value_source;
@@ -17,7 +18,7 @@ constexpr unsigned char kClearLowBits[8] = {0xFF, 0xFE, 0xFC, 0xF8, 0xF0, 0xE0, 
 
 kelm_asn_bitstring::kelm_asn_bitstring(security_t sec)
     : kelm_asn_primitive(sec), bits(sec), count(0) {
-    set_type_name("BITSTRING");
+    kelm_store_type_name(type_name, "BITSTRING");
     tag = 3;
     tag_class = 0;
     primitive_permitted = 1;

@@ -1,12 +1,13 @@
 // BOOLEAN (X.690 8.2) and NULL (X.690 8.8).
 #include "asn_primitives.h"
+#include "asn_type_name_internal.h"
 #include "asn_value_internal.h"
 
 using kelm_asn_internal::install_default;
 using kelm_asn_internal::value_source;
 
 kelm_asn_boolean::kelm_asn_boolean(security_t sec) : kelm_asn_primitive(sec), value(0) {
-    set_type_name("BOOLEAN");
+    kelm_store_type_name(type_name, "BOOLEAN");
     tag = 1;
     tag_class = 0;
     primitive_permitted = 1;
@@ -55,7 +56,7 @@ unsigned int kelm_asn_boolean::set_default_value(int fallback) {
 }
 
 kelm_asn_null::kelm_asn_null(security_t sec) : kelm_asn_primitive(sec) {
-    set_type_name("NULL");
+    kelm_store_type_name(type_name, "NULL");
     tag = 5;
     tag_class = 0;
     primitive_permitted = 1;

@@ -5,6 +5,7 @@
 
 #include "asn_charstring.h"
 #include "asn_charstring_routes.h"
+#include "asn_type_name_internal.h"
 #include "codeset.h"
 #include "codeset_internal.h"
 
@@ -33,7 +34,7 @@ bool lies_in(const kelm_r_buffer_t& octets, const kelm_buffer_t& buffer) {
 
 kelm_asn_charstring::kelm_asn_charstring(security_t sec)
     : kelm_asn_octetstring(sec), codeset(KELM_CODESET_NONE), preferred_codeset(KELM_CODESET_NONE) {
-    set_type_name("CHARSTRING");
+    kelm_store_type_name(type_name, "CHARSTRING");
 }
 
 kelm_asn_charstring::~kelm_asn_charstring() = default;

@@ -2,6 +2,7 @@
 // alternatives in order.
 #include "asn_constructed.h"
 #include "asn_source_site.h"
+#include "asn_type_name_internal.h"
 
 namespace {
 
@@ -15,7 +16,7 @@ constexpr kelm_source_site kChoiceEncodeValueSite = {"src/asn1/asn_choice.cpp", 
 } // namespace
 
 kelm_asn_choice::kelm_asn_choice(security_t sec) : kelm_asn_composite(sec), selection(-1) {
-    set_type_name("CHOICE");
+    kelm_store_type_name(type_name, "CHOICE");
 }
 
 kelm_asn_choice::~kelm_asn_choice() = default;

@@ -5,6 +5,7 @@
 
 #include "asn_constructed.h"
 #include "asn_source_site.h"
+#include "asn_type_name_internal.h"
 
 namespace {
 
@@ -220,7 +221,7 @@ unsigned int kelm_asn_composite::display_state_flags(kelm_buffer_t& output, int 
 }
 
 kelm_asn_sequence::kelm_asn_sequence(security_t sec) : kelm_asn_composite(sec) {
-    set_type_name("SEQUENCE");
+    kelm_store_type_name(type_name, "SEQUENCE");
     set_tag(16);
     set_class(0);
 }

@@ -1,5 +1,6 @@
 // INTEGER (X.690 8.3): minimal two's-complement octets in the cache and a 32-bit value beside.
 #include "asn_primitives.h"
+#include "asn_type_name_internal.h"
 #include "asn_value_internal.h"
 
 using kelm_asn_internal::install_default;
@@ -7,7 +8,7 @@ using kelm_asn_internal::value_source;
 
 kelm_asn_integer::kelm_asn_integer(security_t sec)
     : kelm_asn_primitive(sec), value(0), int_valid(0) {
-    set_type_name("INTEGER");
+    kelm_store_type_name(type_name, "INTEGER");
     tag = 2;
     tag_class = 0;
     primitive_permitted = 1;

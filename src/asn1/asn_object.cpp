@@ -5,6 +5,7 @@
 #include "asn_der_internal.h"
 #include "asn_object.h"
 #include "asn_source_site.h"
+#include "asn_type_name_internal.h"
 
 namespace {
 
@@ -43,7 +44,7 @@ kelm_asn_object::kelm_asn_object(security_t sec)
       value_valid(0), encoding_valid(0), security(sec), constructed(0), indefinite(0),
       generate_constructed(0), tag_class(0), tag(0), primitive_permitted(0),
       constructed_permitted(0), indefinite_permitted(0), preread(nullptr), postread(nullptr) {
-    set_type_name("OBJECT");
+    kelm_store_type_name(type_name, "OBJECT");
     kelm_asn_object::invalidate_value(KELM_INVALIDATE_NOTIFY);
 }
 
@@ -60,19 +61,17 @@ kelm_asn_object& kelm_asn_object::operator=(const kelm_asn_object&) {
 kelm_asn_object::~kelm_asn_object() {
     delete default_value;
     default_value = nullptr;
-    set_type_name("Deleted");
+    kelm_store_type_name(type_name, "Deleted");
 }
 
 kelm_asn_primitive::~kelm_asn_primitive() = default;
 
-// Every value object stores a name at least twice (its base's, then its own) and once more when
-// destroyed, so this runs for every element of every message: zeroing the field and copying the
-// characters byte by byte gives the bytes of strncpy (the first 16 characters, then zeros)
-// without the two library calls.
+// The bytes of strncpy into the field less its last octet (at most 16 characters, then zeros),
+// in three steps whose lengths are known before copying.
 void kelm_asn_object::set_type_name(const char* name) {
-    std::memset(type_name, 0, sizeof type_name);
-    for (size_t i = 0; i < sizeof type_name - 1 && name[i] != '\0'; ++i)
-        type_name[i] = name[i];
+    const size_t n = strnlen(name, sizeof type_name - 1);
+    std::memcpy(type_name, name, n);
+    std::memset(type_name + n, 0, sizeof type_name - n);
 }
 
 int kelm_asn_object::check_valid(int) {

@@ -1,13 +1,14 @@
 // OCTET STRING (X.690 8.7), primitive or constructed from segments.
-#include "asn_primitives.h"
-#include "asn_value_internal.h"
 #include "asn_der.h"
+#include "asn_primitives.h"
+#include "asn_type_name_internal.h"
+#include "asn_value_internal.h"
 
 using kelm_asn_internal::install_default;
 using kelm_asn_internal::value_source;
 
 kelm_asn_octetstring::kelm_asn_octetstring(security_t sec) : kelm_asn_primitive(sec) {
-    set_type_name("OCTETSTRING");
+    kelm_store_type_name(type_name, "OCTETSTRING");
     tag = 4;
     tag_class = 0;
     primitive_permitted = 1;

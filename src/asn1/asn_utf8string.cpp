@@ -4,10 +4,11 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "asn_type_name_internal.h"
 #include "kelmz_internal.h"
 
 kelmasnUTF8String::kelmasnUTF8String(security_t sec) : kelm_asn_UTF8String(sec) {
-    set_type_name("kelmUTF8string");
+    kelm_store_type_name(type_name, "kelmUTF8string");
 }
 
 kelmasnUTF8String::~kelmasnUTF8String() = default;

@@ -38,6 +38,7 @@ class Holder : public kelm_asn_object {
         return 0;
     }
     void rename(const char* name) { set_type_name(name); }
+    std::string raw_name() const { return std::string(type_name, sizeof type_name); }
     void forbid_primitive() { primitive_permitted = 0; }
 
     kelm_asn_object& child;
@@ -368,6 +369,35 @@ TEST(TypeName, LongNamesAreCutToSixteenCharacters) {
     holder.rename("short");
     EXPECT_STREQ(holder.get_type_name(), "short");
     EXPECT_STREQ(inner.get_type_name(), "INTEGER");
+}
+
+// The field holds the name and zeros to its end, as strncpy leaves it: a shorter name stored after
+// a longer one leaves nothing of the longer one behind.
+TEST(TypeName, TheFieldIsTheNameFollowedByZerosToItsEnd) {
+    kelm_asn_integer inner;
+    Holder holder(inner);
+    holder.rename("aznadmin_getobjectlist_in");
+    EXPECT_EQ(holder.raw_name(), std::string("aznadmin_getobje") + std::string(1, '\0'));
+    holder.rename("short");
+    EXPECT_EQ(holder.raw_name(), std::string("short") + std::string(12, '\0'));
+    holder.rename("");
+    EXPECT_EQ(holder.raw_name(), std::string(17, '\0'));
+}
+
+// Each value class stores its own name over its base's, zero-padded.
+TEST(TypeName, EachValueClassStoresItsNameOverItsBasesZeroPadded) {
+    struct Integer : kelm_asn_integer {
+        std::string raw() const { return std::string(type_name, sizeof type_name); }
+    } integer;
+    struct Octets : kelm_asn_octetstring {
+        std::string raw() const { return std::string(type_name, sizeof type_name); }
+    } octets;
+    struct Sequence : kelm_asn_sequence {
+        std::string raw() const { return std::string(type_name, sizeof type_name); }
+    } sequence;
+    EXPECT_EQ(integer.raw(), std::string("INTEGER") + std::string(10, '\0'));
+    EXPECT_EQ(octets.raw(), std::string("OCTETSTRING") + std::string(6, '\0'));
+    EXPECT_EQ(sequence.raw(), std::string("SEQUENCE") + std::string(9, '\0'));
 }
 
 TEST(ParentNotification, AChangeOfValueInvalidatesTheContainersEncoding) {
