@@ -285,6 +285,19 @@ TEST(Choice, AnOptionalChoiceMatchingNothingReadsNothingAndStaysAbsent) {
     EXPECT_EQ(status, 0u);
 }
 
+TEST(Choice, AChoiceWithADefaultMatchingNothingReadsNothingAndStaysAbsent) {
+    IntOrText c;
+    auto* fallback = new IntOrText;
+    fallback->number.set_value(5);
+    ASSERT_EQ(fallback->select(0), 0u);
+    c.set_default_value(fallback);
+    size_t consumed = 99;
+    EXPECT_EQ(decode(c, {0x01, 0x01, 0xFF}, &consumed), 0u);
+    EXPECT_EQ(consumed, 0u);
+    EXPECT_EQ(c.is_present(), 0);
+    EXPECT_EQ(c.selected(), -1);
+}
+
 TEST(Choice, AChoiceWithoutAlternativesIsAnUnexpectedTagEvenWhenOptional) {
     kelm_asn_choice c;
     c.set_optional(1);
@@ -413,6 +426,42 @@ TEST(Any, ValidityOfTheSyntaxIsTestedTheInvertedWay) {
     EXPECT_EQ(any.is_present(), 1);
     syntax.set_value(1); // syntax valid, ANY present: the ANY becomes absent
     EXPECT_EQ(any.is_present(), 0);
+}
+
+// Reading through the syntax follows the same inverted rule: a read that fails leaves the syntax
+// invalid and so the ANY present, also when it fails again; a read that succeeds makes the
+// syntax valid and so the ANY absent.
+TEST(Any, AFailedReadThroughTheSyntaxLeavesTheSyntaxInvalidAndTheAnyPresent) {
+    kelm_asn_any any;
+    kelm_asn_integer syntax;
+    any.set_syntax(&syntax);
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        SCOPED_TRACE(::testing::Message() << "attempt " << attempt);
+        size_t consumed = 99;
+        EXPECT_EQ(decode(any, {0x04, 0x01, 0x41}, &consumed), 0x106521A4u);
+        EXPECT_EQ(consumed, 0u);
+        EXPECT_EQ(syntax.is_present(), 0);
+        EXPECT_EQ(any.is_present(), 1);
+    }
+    ASSERT_EQ(decode(any, {0x02, 0x01, 0x07}), 0u);
+    int value = 0;
+    EXPECT_EQ(syntax.get_value(value), 0u);
+    EXPECT_EQ(value, 7);
+    EXPECT_EQ(syntax.is_present(), 1);
+    EXPECT_EQ(any.is_present(), 0);
+}
+
+TEST(Any, TheRawContentsCodersRefuseToRunWithASyntax) {
+    kelm_asn_any any;
+    kelm_asn_integer syntax;
+    any.set_syntax(&syntax);
+    unsigned char contents[] = {0x05};
+    kelm_r_buffer_t input(contents, 1);
+    EXPECT_EQ(any.decode_value(input, 1), 0x106521A9u);
+    EXPECT_EQ(input.remaining, 1u) << "nothing is read";
+    kelm_buffer_t output;
+    EXPECT_EQ(any.encode_value(output), 0x106521A9u);
+    EXPECT_EQ(output.used(), 0u) << "nothing is written";
 }
 
 TEST(Any, ReplacingTheSyntaxDetachesThePreviousOne) {
