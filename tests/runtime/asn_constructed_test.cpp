@@ -176,6 +176,25 @@ TEST(Sequence, WritesItsChildrenInOrderLeavingOutAbsentAndDefaultOnes) {
     EXPECT_EQ(encode(r), (Bytes{0x30, 0x07, 0x02, 0x01, 0x05, 0x04, 0x02, 'h', 'i'}));
 }
 
+// SEQUENCE { ANY } whose ANY codes an INTEGER syntax that holds no value: the ANY counts as
+// present (its syntax is invalid), so the SEQUENCE is present too, but its contents cannot be
+// written. The first failure of a child is the write's status, and what the output held before
+// stays as it was.
+TEST(Sequence, AChildThatCannotBeWrittenFailsTheWriteAndLeavesTheOutputAsItWas) {
+    struct WithAny : kelm_asn_sequence {
+        WithAny() { register_child(&any); }
+        kelm_asn_any any;
+    } sequence;
+    kelm_asn_integer syntax;
+    sequence.any.set_syntax(&syntax);
+    ASSERT_EQ(sequence.is_present(), 1);
+    kelm_buffer_t out;
+    const unsigned char before[] = {0xAB, 0xCD};
+    out.append(before, 2);
+    EXPECT_EQ(sequence.asnwrite(out), 0x106521A0u);
+    EXPECT_EQ(Bytes(out.cursor, out.cursor + out.used()), (Bytes{0xAB, 0xCD}));
+}
+
 TEST(Sequence, ReadsBackWithOptionalAndDefaultChildrenSkipped) {
     Record r;
     size_t consumed = 0;
