@@ -470,6 +470,21 @@ TEST(Any, AFailedReadThroughTheSyntaxLeavesTheSyntaxInvalidAndTheAnyPresent) {
     EXPECT_EQ(any.is_present(), 0);
 }
 
+// An optional syntax is valid even while it holds nothing, so an element of another tag, which
+// it reads as its absence, leaves the ANY absent.
+TEST(Any, AnOptionalSyntaxMeetingAnotherTagReadsNothingAndLeavesTheAnyAbsent) {
+    kelm_asn_any any;
+    kelm_asn_integer syntax;
+    syntax.set_optional(1);
+    any.set_syntax(&syntax);
+    EXPECT_EQ(any.is_present(), 0);
+    size_t consumed = 99;
+    EXPECT_EQ(decode(any, {0x04, 0x01, 0x41}, &consumed), 0u);
+    EXPECT_EQ(consumed, 0u);
+    EXPECT_EQ(syntax.is_present(), 0);
+    EXPECT_EQ(any.is_present(), 0);
+}
+
 TEST(Any, TheRawContentsCodersRefuseToRunWithASyntax) {
     kelm_asn_any any;
     kelm_asn_integer syntax;
