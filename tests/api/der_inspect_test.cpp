@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "alloc_failure.h"
 #include "kelm/kelm_der.h"
 
 namespace {
@@ -484,6 +485,116 @@ TEST(GetOIDValue, NullRecordIsTestedBeforeTheInput) {
     EXPECT_EQ(kelmAsnGetOIDValue(in.cursor(), &in.remaining, 0, &oid), 0x1065219Au);
     EXPECT_EQ(kelmAsnGetOIDValue(in.cursor(), &in.remaining, 1, &oid), 0x10652198u);
     EXPECT_EQ(oid.count, 3u);
+}
+
+// --- exhausted memory --------------------------------------------------------------------------
+
+// Every function that copies contents into a malloc'ed block returns the out-of-memory status when
+// that block cannot be had, and, as every failing call, leaves the cursor and the remaining count
+// where they were and the caller's input as it was.
+
+TEST(GetLongIntegerValue, ExhaustedMemoryIsAStatusAndMovesNothing) {
+    for (int order : {0, 1}) {
+        SCOPED_TRACE(::testing::Message() << "order " << order);
+        Input in({0x01, 0x02, 0x03});
+        unsigned char sentinel = 0;
+        unsigned char* bytes = &sentinel;
+        unsigned int count = 77;
+        unsigned int status = 0;
+        bool failed = false;
+        {
+            kelm_test::ScopedAllocationFailure failure(1);
+            status = kelmAsnGetIntegerValue(in.cursor(), &in.remaining, 3, &bytes, &count, order);
+            failed = kelm_test::failure_delivered();
+        }
+        EXPECT_TRUE(failed);
+        EXPECT_EQ(status, 0x10652065u);
+        EXPECT_EQ(bytes, &sentinel);
+        EXPECT_EQ(count, 77u);
+        EXPECT_EQ(in.consumed(), 0u);
+        EXPECT_EQ(in.remaining, 3u);
+    }
+}
+
+TEST(GetBitstringValue, ExhaustedMemoryIsAStatusAndLeavesTheInputUnmasked) {
+    Input in({0x03, 0xAA, 0xFF});
+    unsigned char sentinel = 0;
+    unsigned char* bytes = &sentinel;
+    unsigned int bits = 99;
+    {
+        kelm_test::ScopedAllocationFailure failure(1);
+        EXPECT_EQ(kelmAsnGetBitstringValue(in.cursor(), &in.remaining, 3, &bytes, &bits),
+                  0x10652065u);
+        EXPECT_TRUE(kelm_test::failure_delivered());
+    }
+    EXPECT_EQ(bytes, &sentinel);
+    EXPECT_EQ(bits, 99u);
+    EXPECT_EQ(in.bytes[2], 0xFF) << "the unused bits are cleared only by a successful read";
+    EXPECT_EQ(in.consumed(), 0u);
+    EXPECT_EQ(in.remaining, 3u);
+}
+
+TEST(GetBitstringValue, AnEmptyBitStringNeedsNoMemory) {
+    // Only the unused-bits octet: nothing is copied, so a request for no bytes that fails is no
+    // failure of the read.
+    Input in({0x00, 0x42});
+    unsigned char sentinel = 0;
+    unsigned char* bytes = &sentinel;
+    unsigned int bits = 99;
+    {
+        kelm_test::ScopedAllocationFailure failure(1);
+        EXPECT_EQ(kelmAsnGetBitstringValue(in.cursor(), &in.remaining, 1, &bytes, &bits), 0u);
+    }
+    EXPECT_EQ(bits, 0u);
+    EXPECT_EQ(in.consumed(), 1u);
+    EXPECT_EQ(in.remaining, 2u) << "size - 1 = 0 is subtracted";
+    std::free(bytes);
+}
+
+TEST(GetCharstringValue, ExhaustedMemoryIsAStatusAndMovesNothing) {
+    Input in({'t', 'e', 'x', 't'});
+    char sentinel = 0;
+    char* text = &sentinel;
+    {
+        kelm_test::ScopedAllocationFailure failure(1);
+        EXPECT_EQ(kelmAsnGetCharstringValue(in.cursor(), &in.remaining, 4, &text), 0x10652065u);
+        EXPECT_TRUE(kelm_test::failure_delivered());
+    }
+    EXPECT_EQ(text, &sentinel);
+    EXPECT_EQ(in.consumed(), 0u);
+    EXPECT_EQ(in.remaining, 4u);
+}
+
+TEST(GetOctetstringValue, ExhaustedMemoryIsAStatusAndMovesNothing) {
+    Input in({1, 2, 3});
+    unsigned char sentinel = 0;
+    unsigned char* bytes = &sentinel;
+    unsigned int count = 5;
+    {
+        kelm_test::ScopedAllocationFailure failure(1);
+        EXPECT_EQ(kelmAsnGetOctetstringValue(in.cursor(), &in.remaining, 2, &bytes, &count),
+                  0x10652065u);
+        EXPECT_TRUE(kelm_test::failure_delivered());
+    }
+    EXPECT_EQ(bytes, &sentinel);
+    EXPECT_EQ(count, 5u);
+    EXPECT_EQ(in.consumed(), 0u);
+    EXPECT_EQ(in.remaining, 3u);
+}
+
+TEST(GetOIDValue, ExhaustedMemoryIsAStatusWithNoCopyAndMovesNothing) {
+    Input in({0x2A, 0x03});
+    unsigned char sentinel = 0;
+    kelm_asn_oid_t oid{9, &sentinel};
+    {
+        kelm_test::ScopedAllocationFailure failure(1);
+        EXPECT_EQ(kelmAsnGetOIDValue(in.cursor(), &in.remaining, 2, &oid), 0x10652065u);
+        EXPECT_TRUE(kelm_test::failure_delivered());
+    }
+    EXPECT_EQ(oid.bytes, nullptr) << "the record holds no copy";
+    EXPECT_EQ(oid.count, 9u);
+    EXPECT_EQ(in.consumed(), 0u);
+    EXPECT_EQ(in.remaining, 2u);
 }
 
 // --- check_EOC ------------------------------------------------------------------------------

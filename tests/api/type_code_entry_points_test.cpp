@@ -1,6 +1,7 @@
 // The entry points by type code and their dispatcher: the three known codes, unknown codes,
 // the operations, the version byte of the header, and every exception turned into a status.
 #include <cstring>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -8,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "record_test_support.h"
+#include "type_code_direct_internal.h"
 #include "type_code_guard_internal.h"
 
 using kelm_test::bytes_of;
@@ -220,6 +222,58 @@ TEST(TypeCodeHeaders, TheHeaderIsCheckedAsForTheTypedEntryPoints) {
         }
         kelmasn_obj_free(2, KELMASN_TYPE_CERT_REQUEST, &request);
     }
+}
+
+// --- a caller already inside a decode ---------------------------------------------------------
+
+// The nesting limit counts the levels the calling thread is inside, the caller's own included. A
+// call made 62 levels deep is served by the message classes, which read a certificate request
+// (its SEQUENCE is level 63) and refuse a list of updates (its updates would be level 65), and
+// write exactly what they write at the top.
+TEST(TypeCodeNesting, ACallDeepInsideADecodeIsServedByTheMessageClassesWithinTheLimit) {
+    cert_request_in request{dup_text("first"), dup_text("second"), 0, nullptr};
+    ekobj_update_list_s_t list{
+        1, static_cast<ekobj_update_s_t*>(std::calloc(1, sizeof(ekobj_update_s_t)))};
+    list.updates[0].text = dup_text("t");
+    kelm_asn_buffer_t request_wire{0, nullptr}, list_wire{0, nullptr};
+    ASSERT_EQ(kelmasn_encode_obj(2, &request, KELMASN_TYPE_CERT_REQUEST, request_wire), 0u);
+    ASSERT_EQ(kelmasn_encode_obj(2, &list, KELMASN_TYPE_EKOBJ_UPDATE_LIST, list_wire), 0u);
+
+    std::vector<std::unique_ptr<kelm_asn_nesting_guard>> levels;
+    for (int i = 0; i < 62; ++i)
+        levels.push_back(std::make_unique<kelm_asn_nesting_guard>());
+    ASSERT_EQ(kelm_asn_nesting_guard::depth(), 62u);
+
+    cert_request_in untouched{nullptr, nullptr, 0, nullptr};
+    unsigned int status = 0;
+    EXPECT_FALSE(
+        kelm_type_code_direct(1, 2, &untouched, KELMASN_TYPE_CERT_REQUEST, request_wire, status))
+        << "the direct codec leaves a call this deep to the message classes";
+    EXPECT_EQ(untouched.string1, nullptr);
+
+    cert_request_in back{nullptr, nullptr, 0, nullptr};
+    EXPECT_EQ(kelmasn_decode_obj(2, request_wire, KELMASN_TYPE_CERT_REQUEST, &back), 0u);
+    EXPECT_STREQ(back.string1, "first");
+    EXPECT_STREQ(back.string2, "second");
+    EXPECT_EQ(back.body_length, 0u);
+    ekobj_update_list_s_t list_back{0, nullptr};
+    EXPECT_EQ(kelmasn_decode_obj(2, list_wire, KELMASN_TYPE_EKOBJ_UPDATE_LIST, &list_back),
+              0x1065219Bu);
+    kelm_asn_buffer_t again{0, nullptr};
+    EXPECT_EQ(kelmasn_encode_obj(2, &request, KELMASN_TYPE_CERT_REQUEST, again), 0u);
+    EXPECT_EQ(bytes_of(again), bytes_of(request_wire));
+
+    levels.clear();
+    EXPECT_EQ(kelm_asn_nesting_guard::depth(), 0u);
+    EXPECT_EQ(kelmasn_decode_obj(2, list_wire, KELMASN_TYPE_EKOBJ_UPDATE_LIST, &list_back), 0u)
+        << "the same list at the top";
+    kelmasn_obj_free(2, KELMASN_TYPE_EKOBJ_UPDATE_LIST, &list_back);
+    kelmasn_obj_free(2, KELMASN_TYPE_CERT_REQUEST, &back);
+    kelmasn_obj_free(2, KELMASN_TYPE_CERT_REQUEST, &request);
+    kelmasn_obj_free(2, KELMASN_TYPE_EKOBJ_UPDATE_LIST, &list);
+    kelm_asn_buffer_free(again);
+    kelm_asn_buffer_free(request_wire);
+    kelm_asn_buffer_free(list_wire);
 }
 
 // --- exceptions ------------------------------------------------------------------------------

@@ -256,6 +256,10 @@ TEST(Header, VersionQueryReportsAUsableHeaderNotTheVersion) {
     b = buffer_of(bad_magic);
     EXPECT_EQ(kelmasn_version(b, flag), 0x10652196u);
     EXPECT_EQ(flag, 1u);
+    flag = 99;
+    const kelm_asn_buffer_t no_bytes{16, nullptr};
+    EXPECT_EQ(kelmasn_version(no_bytes, flag), 0x10652196u) << "a length without bytes";
+    EXPECT_EQ(flag, 1u);
 }
 
 TEST(Header, OnlyTheLow32BitsOfTheLengthAreChecked) {

@@ -449,6 +449,53 @@ TEST_P(DirectCodec, TheLocalCodeSetModeEncodesAndDecodesAsTheObjectPathDoes) {
     }
 }
 
+// As EveryFailedAllocationOfADecodeEndsAsInTheObjectPath, in the local-code-set mode, where each
+// text is converted to the thread's code set before its copy is allocated: a conversion that
+// runs out of memory, or a copy that cannot be allocated, ends both paths alike, with the
+// out-of-memory status (or, for a type that ignores its elements' statuses, silently), and
+// leaves a record that releases cleanly.
+TEST_P(DirectCodec, EveryFailedAllocationOfALocalCodeSetDecodeEndsAsInTheObjectPath) {
+    KELM_SKIP_UNLESS_LATIN1_LOCALE();
+    const kelm_record_type& type = *GetParam();
+    RandomRecords generator(12);
+    Record original(type);
+    generator.fill(type, original.bytes, 2);
+    const Bytes wire = encodes_alike(type, original.bytes, KELM_SECURITY_LOCAL_CODESET);
+    for (const std::string& locale :
+         {std::string(kelm_test::kUtf8Locale), kelm_test::latin1_locale_name()}) {
+        SCOPED_TRACE(locale);
+        kelm_test::ScopedThreadLocale scope(locale);
+        ASSERT_TRUE(scope.active()) << scope.problem();
+        Decoded reference(type), direct(type);
+        decode(reference, wire, KELM_SECURITY_LOCAL_CODESET, false);
+        decode(direct, wire, KELM_SECURITY_LOCAL_CODESET, true);
+        const unsigned long object_allocations = reference.allocations;
+        const unsigned long direct_allocations = direct.allocations;
+        ASSERT_EQ(reference.status, 0u);
+        ASSERT_TRUE(direct.direct);
+        expect_same_decoding(reference, direct);
+        EXPECT_GE(direct_allocations, owned_blocks(type, direct.record.get()));
+        ASSERT_LE(direct_allocations, object_allocations);
+
+        for (unsigned long k = 1; k <= direct_allocations; ++k) {
+            SCOPED_TRACE(::testing::Message()
+                         << "allocation " << k << " of " << direct_allocations);
+            Decoded failed_reference(type), failed_direct(type);
+            decode(failed_reference, wire, KELM_SECURITY_LOCAL_CODESET, false,
+                   object_allocations - direct_allocations + k);
+            decode(failed_direct, wire, KELM_SECURITY_LOCAL_CODESET, true, k);
+            EXPECT_TRUE(failed_direct.direct)
+                << "exhausted memory is never handed to the object path";
+            expect_same_decoding(failed_reference, failed_direct);
+            const bool silent = failed_direct.status == 0 && failed_direct.err.empty() &&
+                                (type.flags & KELM_RECORD_IGNORES_ELEMENT_STATUS);
+            if (!silent) {
+                EXPECT_EQ(failed_direct.status, kOutOfMemory);
+            }
+        }
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(AllTypes, DirectCodec, ::testing::ValuesIn(all_types()), type_label);
 
 // --- nesting -----------------------------------------------------------------------------------
@@ -663,3 +710,205 @@ TEST_P(TypeCodeDirectCodec, EveryFailedAllocationOfADecodeEndsAsInTheObjectPath)
 
 INSTANTIATE_TEST_SUITE_P(AllTypeCodes, TypeCodeDirectCodec,
                          ::testing::ValuesIn(all_type_code_types()), code_label);
+
+// --- buffers that only the object path reads, and exhausted memory in the local-code-set mode --
+
+namespace {
+
+const kelm_type_code_type& type_code(unsigned int code) {
+    unsigned int count = 0;
+    const kelm_type_code_type* types = kelm_type_code_types(count);
+    for (unsigned int i = 0; i < count; ++i)
+        if (types[i].code == code)
+            return types[i];
+    ADD_FAILURE() << "no type code " << code;
+    return types[0];
+}
+
+// A definite-length element of fewer than 128 contents octets.
+Bytes element(unsigned char identifier, const Bytes& contents) {
+    Bytes out = {identifier, static_cast<unsigned char>(contents.size())};
+    out.insert(out.end(), contents.begin(), contents.end());
+    return out;
+}
+
+Bytes joined(std::initializer_list<Bytes> parts) {
+    Bytes out;
+    for (const Bytes& part : parts)
+        out.insert(out.end(), part.begin(), part.end());
+    return out;
+}
+
+Bytes with_version_2_header(const Bytes& body) {
+    return joined({{0x04, 0x02, 0xAC, 0xDC}, body});
+}
+
+const Bytes kVersionOne = {0x02, 0x01, 0x01};
+
+// A list of object updates holding the one update whose elements after its version are `fields`.
+Bytes update_list_of(const Bytes& fields) {
+    const Bytes update = element(0x30, joined({kVersionOne, fields}));
+    return with_version_2_header(element(0x30, joined({kVersionOne, element(0x30, update)})));
+}
+
+} // namespace
+
+// An update is SEQUENCE { version INTEGER, INTEGER, OCTET STRING, INTEGER }. Each update below
+// breaks the DER shape the direct codec reads at one of its elements: a long-form length or a
+// string in constructed pieces is BER that the object path still reads to the same values, a
+// wrong tag, a missing element or a surplus one is refused with the status of that rule. Either
+// way the direct codec hands the buffer over with the record as it came.
+TEST(TypeCodeDirectCodecInputs, UpdatesOutsideTheDirectShapeDecodeAsTheObjectPathReadsThem) {
+    const kelm_type_code_type& t = type_code(KELMASN_TYPE_EKOBJ_UPDATE_LIST);
+    const Bytes number1 = {0x02, 0x01, 0x07};
+    const Bytes text = {0x04, 0x02, 'a', 0x00};
+    const Bytes number2 = {0x02, 0x01, 0x09};
+    struct Row {
+        const char* what;
+        Bytes fields;
+        unsigned int status;
+    } rows[] = {
+        {"first number with a long-form length", joined({{0x02, 0x81, 0x01, 0x07}, text, number2}),
+         0},
+        {"text in constructed pieces",
+         joined({number1, {0x24, 0x06, 0x04, 0x01, 'a', 0x04, 0x01, 0x00}, number2}), 0},
+        {"second number with a long-form length", joined({number1, text, {0x02, 0x81, 0x01, 0x09}}),
+         0},
+        {"an element after the second number", joined({number1, text, number2, {0x05, 0x00}}),
+         0x106521A5u},
+        {"first number not an INTEGER", joined({{0x04, 0x01, 0x07}, text, number2}), 0x106521A4u},
+        {"text not an OCTET STRING", joined({number1, {0x02, 0x01, 0x05}, number2}), 0x106521A4u},
+        {"second number missing", joined({number1, text}), 0x10652198u},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        const Bytes wire = update_list_of(row.fields);
+        EXPECT_FALSE(decodes_alike_by_code(t, wire)) << "the direct codec reads only DER it writes";
+        Decoded reference(*t.type);
+        decode_by_code(t, reference, wire, false);
+        EXPECT_EQ(reference.status, row.status);
+        EXPECT_EQ(reference.err, "");
+        if (row.status != 0) {
+            EXPECT_TRUE(reference.untouched) << "a buffer refused whole fills nothing";
+            continue;
+        }
+        const auto& list = *reinterpret_cast<const ekobj_update_list_s_t*>(reference.record.get());
+        ASSERT_EQ(list.count, 1u);
+        ASSERT_NE(list.updates, nullptr);
+        EXPECT_EQ(list.updates[0].number1, 7);
+        EXPECT_STREQ(list.updates[0].text, "a");
+        EXPECT_EQ(list.updates[0].number2, 9);
+    }
+}
+
+// Indefinite lengths (X.690 8.1.3.6) are BER that the direct codec leaves to the object path,
+// which reads the list, its updates and their end-of-contents octets.
+TEST(TypeCodeDirectCodecInputs, AListOfUpdatesOfIndefiniteLengthIsReadByTheObjectPath) {
+    const kelm_type_code_type& t = type_code(KELMASN_TYPE_EKOBJ_UPDATE_LIST);
+    const Bytes fields = {0x02, 0x01, 0x07, 0x04, 0x02, 'a', 0x00, 0x02, 0x01, 0x09};
+    const Bytes definite_update = element(0x30, joined({kVersionOne, fields}));
+    const Bytes indefinite_update = joined({{0x30, 0x80}, kVersionOne, fields, {0x00, 0x00}});
+    const Bytes end = {0x00, 0x00};
+    struct Row {
+        const char* what;
+        Bytes body;
+    } rows[] = {
+        {"the list of updates",
+         element(0x30, joined({kVersionOne, {0x30, 0x80}, definite_update, definite_update, end}))},
+        {"each update",
+         element(0x30, joined({kVersionOne,
+                               element(0x30, joined({indefinite_update, indefinite_update}))}))},
+        {"every level", joined({{0x30, 0x80},
+                                kVersionOne,
+                                {0x30, 0x80},
+                                indefinite_update,
+                                indefinite_update,
+                                end,
+                                end})},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        const Bytes wire = with_version_2_header(row.body);
+        EXPECT_FALSE(decodes_alike_by_code(t, wire));
+        Decoded reference(*t.type);
+        decode_by_code(t, reference, wire, false);
+        ASSERT_EQ(reference.status, 0u);
+        const auto& list = *reinterpret_cast<const ekobj_update_list_s_t*>(reference.record.get());
+        ASSERT_EQ(list.count, 2u);
+        ASSERT_NE(list.updates, nullptr);
+        for (unsigned int i = 0; i < 2; ++i) {
+            EXPECT_EQ(list.updates[i].number1, 7);
+            EXPECT_STREQ(list.updates[i].text, "a");
+            EXPECT_EQ(list.updates[i].number2, 9);
+        }
+    }
+}
+
+// A body that is present but empty on the wire is no body: a length of 0 and no bytes, on both
+// paths.
+TEST(TypeCodeDirectCodecInputs, AnEmptyBodyDecodesToNoBodyOnBothPaths) {
+    const kelm_type_code_type& t = type_code(KELMASN_TYPE_CERT_REQUEST);
+    const Bytes text = {0x04, 0x02, 'x', 0x00};
+    const Bytes wire =
+        with_version_2_header(element(0x30, joined({kVersionOne, text, text, {0x04, 0x00}})));
+    decodes_alike_by_code(t, wire);
+    for (bool direct : {false, true}) {
+        SCOPED_TRACE(direct ? "direct codec" : "object path");
+        Decoded d(*t.type);
+        decode_by_code(t, d, wire, direct);
+        ASSERT_EQ(d.status, 0u);
+        const auto& request = *reinterpret_cast<const cert_request_in*>(d.record.get());
+        EXPECT_STREQ(request.string1, "x");
+        EXPECT_STREQ(request.string2, "x");
+        EXPECT_EQ(request.body_length, 0u);
+        EXPECT_EQ(request.body, nullptr);
+    }
+}
+
+// A buffer whose length passes the header's four octets but whose data pointer is null has no
+// header to read: the version status, nothing read and the record untouched, on every entry point
+// and on both paths.
+TEST(TypeCodeDirectCodecInputs, ANullBufferWithALengthHasNoHeaderOnEitherPath) {
+    for (const kelm_type_code_type& t : all_type_code_types()) {
+        SCOPED_TRACE(::testing::Message() << "type code 0x" << std::hex << t.code);
+        for (bool direct : {false, true}) {
+            SCOPED_TRACE(direct ? "direct codec" : "object path");
+            Decoded d(*t.type);
+            kelm_asn_buffer_t in{16, nullptr};
+            ::testing::internal::CaptureStderr();
+            on_path(direct, [&] { d.status = kelmasn_decode_obj(2, in, t.code, d.record.get()); });
+            EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
+            EXPECT_EQ(d.status, 0x10652196u);
+            bool untouched = true;
+            for (size_t i = 0; i < t.type->record_size; ++i)
+                untouched = untouched && d.record[i] == kPattern;
+            EXPECT_TRUE(untouched);
+            d.untouched = true; // nothing to release
+        }
+    }
+}
+
+TEST(DirectCodecInputs, ANullBufferWithALengthHasNoHeaderOnEitherPath) {
+    for (const kelm_record_type* type : all_types()) {
+        SCOPED_TRACE(type->record_name);
+        for (bool direct : {false, true}) {
+            SCOPED_TRACE(direct ? "direct codec" : "object path");
+            Decoded d(*type);
+            const kelm_asn_buffer_t in{16, nullptr};
+            ::testing::internal::CaptureStderr();
+            if (direct)
+                d.direct =
+                    kelm_direct_decode(*type, d.record.get(), in, 2, KELM_SECURITY_PLAIN, d.status);
+            if (!d.direct)
+                d.status =
+                    kelm_asn_record::decode(*type, d.record.get(), in, 2, KELM_SECURITY_PLAIN);
+            EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
+            EXPECT_EQ(d.status, 0x10652196u);
+            bool untouched = true;
+            for (size_t i = 0; i < type->record_size; ++i)
+                untouched = untouched && d.record[i] == kPattern;
+            EXPECT_TRUE(untouched);
+            d.untouched = true; // nothing to release
+        }
+    }
+}

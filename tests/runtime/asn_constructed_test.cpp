@@ -176,6 +176,25 @@ TEST(Sequence, WritesItsChildrenInOrderLeavingOutAbsentAndDefaultOnes) {
     EXPECT_EQ(encode(r), (Bytes{0x30, 0x07, 0x02, 0x01, 0x05, 0x04, 0x02, 'h', 'i'}));
 }
 
+// SEQUENCE { ANY } whose ANY codes an INTEGER syntax that holds no value: the ANY counts as
+// present (its syntax is invalid), so the SEQUENCE is present too, but its contents cannot be
+// written. The first failure of a child is the write's status, and what the output held before
+// stays as it was.
+TEST(Sequence, AChildThatCannotBeWrittenFailsTheWriteAndLeavesTheOutputAsItWas) {
+    struct WithAny : kelm_asn_sequence {
+        WithAny() { register_child(&any); }
+        kelm_asn_any any;
+    } sequence;
+    kelm_asn_integer syntax;
+    sequence.any.set_syntax(&syntax);
+    ASSERT_EQ(sequence.is_present(), 1);
+    kelm_buffer_t out;
+    const unsigned char before[] = {0xAB, 0xCD};
+    out.append(before, 2);
+    EXPECT_EQ(sequence.asnwrite(out), 0x106521A0u);
+    EXPECT_EQ(Bytes(out.cursor, out.cursor + out.used()), (Bytes{0xAB, 0xCD}));
+}
+
 TEST(Sequence, ReadsBackWithOptionalAndDefaultChildrenSkipped) {
     Record r;
     size_t consumed = 0;
@@ -283,6 +302,19 @@ TEST(Choice, AnOptionalChoiceMatchingNothingReadsNothingAndStaysAbsent) {
     unsigned int status = 1;
     EXPECT_EQ(encode(c, &status), Bytes{});
     EXPECT_EQ(status, 0u);
+}
+
+TEST(Choice, AChoiceWithADefaultMatchingNothingReadsNothingAndStaysAbsent) {
+    IntOrText c;
+    auto* fallback = new IntOrText;
+    fallback->number.set_value(5);
+    ASSERT_EQ(fallback->select(0), 0u);
+    c.set_default_value(fallback);
+    size_t consumed = 99;
+    EXPECT_EQ(decode(c, {0x01, 0x01, 0xFF}, &consumed), 0u);
+    EXPECT_EQ(consumed, 0u);
+    EXPECT_EQ(c.is_present(), 0);
+    EXPECT_EQ(c.selected(), -1);
 }
 
 TEST(Choice, AChoiceWithoutAlternativesIsAnUnexpectedTagEvenWhenOptional) {
@@ -413,6 +445,57 @@ TEST(Any, ValidityOfTheSyntaxIsTestedTheInvertedWay) {
     EXPECT_EQ(any.is_present(), 1);
     syntax.set_value(1); // syntax valid, ANY present: the ANY becomes absent
     EXPECT_EQ(any.is_present(), 0);
+}
+
+// Reading through the syntax follows the same inverted rule: a read that fails leaves the syntax
+// invalid and so the ANY present, also when it fails again; a read that succeeds makes the
+// syntax valid and so the ANY absent.
+TEST(Any, AFailedReadThroughTheSyntaxLeavesTheSyntaxInvalidAndTheAnyPresent) {
+    kelm_asn_any any;
+    kelm_asn_integer syntax;
+    any.set_syntax(&syntax);
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        SCOPED_TRACE(::testing::Message() << "attempt " << attempt);
+        size_t consumed = 99;
+        EXPECT_EQ(decode(any, {0x04, 0x01, 0x41}, &consumed), 0x106521A4u);
+        EXPECT_EQ(consumed, 0u);
+        EXPECT_EQ(syntax.is_present(), 0);
+        EXPECT_EQ(any.is_present(), 1);
+    }
+    ASSERT_EQ(decode(any, {0x02, 0x01, 0x07}), 0u);
+    int value = 0;
+    EXPECT_EQ(syntax.get_value(value), 0u);
+    EXPECT_EQ(value, 7);
+    EXPECT_EQ(syntax.is_present(), 1);
+    EXPECT_EQ(any.is_present(), 0);
+}
+
+// An optional syntax is valid even while it holds nothing, so an element of another tag, which
+// it reads as its absence, leaves the ANY absent.
+TEST(Any, AnOptionalSyntaxMeetingAnotherTagReadsNothingAndLeavesTheAnyAbsent) {
+    kelm_asn_any any;
+    kelm_asn_integer syntax;
+    syntax.set_optional(1);
+    any.set_syntax(&syntax);
+    EXPECT_EQ(any.is_present(), 0);
+    size_t consumed = 99;
+    EXPECT_EQ(decode(any, {0x04, 0x01, 0x41}, &consumed), 0u);
+    EXPECT_EQ(consumed, 0u);
+    EXPECT_EQ(syntax.is_present(), 0);
+    EXPECT_EQ(any.is_present(), 0);
+}
+
+TEST(Any, TheRawContentsCodersRefuseToRunWithASyntax) {
+    kelm_asn_any any;
+    kelm_asn_integer syntax;
+    any.set_syntax(&syntax);
+    unsigned char contents[] = {0x05};
+    kelm_r_buffer_t input(contents, 1);
+    EXPECT_EQ(any.decode_value(input, 1), 0x106521A9u);
+    EXPECT_EQ(input.remaining, 1u) << "nothing is read";
+    kelm_buffer_t output;
+    EXPECT_EQ(any.encode_value(output), 0x106521A9u);
+    EXPECT_EQ(output.used(), 0u) << "nothing is written";
 }
 
 TEST(Any, ReplacingTheSyntaxDetachesThePreviousOne) {
