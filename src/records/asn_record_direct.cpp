@@ -74,7 +74,8 @@ class Encoder {
     bool size_null(size_t& total) { return add(total, 2); }
 
     // The record's SEQUENCE, one level deeper.
-    bool size_record(const kelm_record_type& type, const void* record, size_t& total) {
+    __attribute__((flatten)) bool size_record(const kelm_record_type& type, const void* record,
+                                              size_t& total) {
         if (!enter())
             return false;
         size_t contents = 0;
@@ -126,7 +127,7 @@ class Encoder {
         put(kNull);
     }
 
-    void write_record(const kelm_record_type& type, const void* record) {
+    __attribute__((flatten)) void write_record(const kelm_record_type& type, const void* record) {
         const unsigned char* end = w_;
         for (unsigned int i = type.field_count; i-- > 0;)
             write_field(type.fields[i], record);
@@ -222,7 +223,8 @@ class Decoder {
     Decoder(bool local_codeset, unsigned int depth) : lcs_(local_codeset), depth_(depth) {}
 
     // Fills `record` from the contents of its SEQUENCE.
-    unsigned int fill_record(const kelm_record_type& type, Span in, void* record) {
+    __attribute__((flatten)) unsigned int fill_record(const kelm_record_type& type, Span in,
+                                                      void* record) {
         if (type.clear != nullptr)
             type.clear(record);
         else if (!(type.flags & KELM_RECORD_KEEPS_RECORD))
