@@ -14,15 +14,12 @@
 #include "asn_record_direct.h"
 #include "direct_codec_properties.h"
 
-namespace {
-
+// At namespace scope, so that the record type's traits have the linkage of the library's own.
 struct noted_s_t {
     char* note;     // OCTET STRING: the text and its NUL
     int32_t number; // INTEGER
     char* label;    // UTF8String
 };
-
-} // namespace
 
 KELM_MESSAGE_CLASS(asn_noted_t, noted_s_t, kelm_noted_type);
 KELM_DEFINE_RECORD_TYPE(kelm_noted_type, asn_noted_t, noted_s_t,
